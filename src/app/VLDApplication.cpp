@@ -1,0 +1,23 @@
+#include "app/VLDApplication.h"
+
+namespace velder {
+
+namespace {
+
+GtkApplication* application = nullptr;
+
+} // namespace
+
+void VLDApplication::installSharedApplication()
+{
+    if (!application) {
+        application = gtk_application_new(applicationId, G_APPLICATION_HANDLES_OPEN);
+    }
+}
+
+GtkApplication* VLDApplication::shared()
+{
+    return application;
+}
+
+} // namespace velder

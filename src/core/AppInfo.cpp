@@ -1,0 +1,117 @@
+#include "core/AppInfo.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <pwd.h>
+#include <unistd.h>
+
+#ifndef VELDER_VERSION
+#define VELDER_VERSION "0.0"
+#endif
+
+namespace velder::AppInfo {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string homeDirectory()
+{
+    const char* home = std::getenv("HOME");
+    if (home && *home) {
+        return home;
+    }
+    if (passwd* entry = getpwuid(getuid()); entry && entry->pw_dir && *entry->pw_dir) {
+        return entry->pw_dir;
+    }
+    // Without any home the program can't place a file: a fault of the machine, not something to run on.
+    std::abort();
+}
+
+// An XDG base directory: the variable when it holds an absolute path, else the fallback under $HOME.
+std::string xdgDirectory(const char* variable, const char* fallbackUnderHome)
+{
+    const char* value = std::getenv(variable);
+    if (value && value[0] == '/') {
+        return value;
+    }
+    return homeDirectory() + "/" + fallbackUnderHome;
+}
+
+} // namespace
+
+std::string dataDirectory()
+{
+    return xdgDirectory("XDG_DATA_HOME", ".local/share") + "/Velder";
+}
+
+std::string cacheDirectory()
+{
+    return xdgDirectory("XDG_CACHE_HOME", ".cache") + "/Velder";
+}
+
+std::string keyFile()
+{
+    return dataDirectory() + "/vault.key";
+}
+std::string vaultFile()
+{
+    return dataDirectory() + "/vault.bin";
+}
+std::string historyFile()
+{
+    return dataDirectory() + "/history.bin";
+}
+std::string faviconFile()
+{
+    return dataDirectory() + "/favicons.bin";
+}
+std::string engineDirectory()
+{
+    return dataDirectory() + "/engine";
+}
+std::string engineCacheDirectory()
+{
+    return cacheDirectory() + "/engine-cache";
+}
+std::string engineLogFile()
+{
+    return dataDirectory() + "/engine_log.txt";
+}
+std::string previousEngineLogFile()
+{
+    return dataDirectory() + "/engine_log.previous.txt";
+}
+std::string archiveDirectory()
+{
+    return cacheDirectory() + "/archive";
+}
+std::string updaterCacheDirectory()
+{
+    return cacheDirectory() + "/updater";
+}
+
+std::string version()
+{
+    std::string value = VELDER_VERSION;
+    return value.empty() ? "0.0" : value;
+}
+
+void prepareDirectories()
+{
+    std::error_code ignored;
+    fs::create_directories(dataDirectory(), ignored);
+}
+
+void rotateEngineLogIfLarge(std::uint64_t limitBytes)
+{
+    std::error_code error;
+    auto size = fs::file_size(engineLogFile(), error);
+    if (error || size <= limitBytes) {
+        return;
+    }
+    fs::remove(previousEngineLogFile(), error);
+    fs::rename(engineLogFile(), previousEngineLogFile(), error);
+}
+
+} // namespace velder::AppInfo

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace velder {
+
+// Where Velder keeps its files, and its version. Every location is computed afresh on each read from
+// the XDG environment ($XDG_DATA_HOME, $XDG_CACHE_HOME, $HOME), so a test or a second profile that sets
+// its own variables gets its own folders.
+namespace AppInfo {
+
+// $XDG_DATA_HOME/Velder (default ~/.local/share/Velder): the key, the three sealed files, the engine's data.
+std::string dataDirectory();
+// $XDG_CACHE_HOME/Velder (default ~/.cache/Velder).
+std::string cacheDirectory();
+
+std::string keyFile(); // "vault.key"
+std::string vaultFile(); // "vault.bin"
+std::string historyFile(); // "history.bin"
+std::string faviconFile(); // "favicons.bin"
+std::string engineDirectory(); // the data folder, then "engine": cookies, storage, databases
+std::string engineCacheDirectory(); // the cache folder, then "engine-cache": the engine's HTTP cache
+std::string engineLogFile(); // "engine_log.txt" in the data folder
+std::string previousEngineLogFile(); // "engine_log.previous.txt" in the data folder
+std::string archiveDirectory(); // the cache folder, then "archive"
+std::string updaterCacheDirectory(); // the cache folder, then "updater"
+
+// The version of this build, "0.0" if the build had none.
+std::string version();
+
+// Creates the data folder with any missing parents, and nothing else. Failures are ignored: later
+// writes fail by their own rules.
+void prepareDirectories();
+
+// At start, before the engine opens its log: a log above the limit becomes the previous log,
+// replacing any earlier one. A log of exactly the limit stays. Every failure is ignored.
+void rotateEngineLogIfLarge(std::uint64_t limitBytes);
+
+} // namespace AppInfo
+
+} // namespace velder

@@ -1,0 +1,395 @@
+#include "core/VldJson.h"
+
+#include <algorithm>
+#include <cmath>
+#include <rapidjson/error/en.h>
+
+namespace velder {
+
+namespace {
+
+bool isDataKeyedProperty(std::string_view key)
+{
+    return std::find(VldJson::dataKeyedProperties.begin(), VldJson::dataKeyedProperties.end(), key)
+        != VldJson::dataKeyedProperties.end();
+}
+
+char toUpperAscii(char c)
+{
+    return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+char toLowerAscii(char c)
+{
+    return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// Joins pieces of an error text. (GCC 12 warns falsely on chains of string operator+ at -O3.)
+std::string concat(std::initializer_list<std::string_view> pieces)
+{
+    std::string text;
+    for (auto piece : pieces) {
+        text.append(piece);
+    }
+    return text;
+}
+
+std::string_view nameOf(const rapidjson::Value& name)
+{
+    return std::string_view(name.GetString(), name.GetStringLength());
+}
+
+// A stored key names a field when its first letter, lower-cased, and the rest equal the field name.
+bool storedKeyNamesField(std::string_view stored, std::string_view field)
+{
+    return stored.size() == field.size() && !stored.empty() && toLowerAscii(stored[0]) == field[0]
+        && stored.substr(1) == field.substr(1);
+}
+
+} // namespace
+
+// MARK: - JsonObjectOut
+
+JsonObjectOut::JsonObjectOut(JsonOutput& output, bool underDataKey)
+    : m_output(output)
+    , m_underDataKey(underDataKey)
+{
+}
+
+void JsonObjectOut::key(std::string_view field)
+{
+    if (m_underDataKey || field.empty()) {
+        m_output.key(field);
+        return;
+    }
+    char buffer[64];
+    if (field.size() <= sizeof buffer) {
+        std::copy(field.begin(), field.end(), buffer);
+        buffer[0] = toUpperAscii(buffer[0]);
+        m_output.key(std::string_view(buffer, field.size()));
+    } else {
+        m_output.key(VldJson::storedKey(field));
+    }
+}
+
+bool JsonObjectOut::childUnderDataKey(std::string_view field) const
+{
+    return m_underDataKey || isDataKeyedProperty(field);
+}
+
+void JsonObjectOut::putString(std::string_view field, std::string_view value)
+{
+    key(field);
+    m_output.string(value);
+}
+
+void JsonObjectOut::putInt(std::string_view field, std::int64_t value)
+{
+    key(field);
+    m_output.integer(value);
+}
+
+void JsonObjectOut::putDouble(std::string_view field, double value)
+{
+    key(field);
+    m_output.number(value);
+}
+
+void JsonObjectOut::putBool(std::string_view field, bool value)
+{
+    key(field);
+    m_output.boolean(value);
+}
+
+void JsonObjectOut::putDate(std::string_view field, Date value)
+{
+    putString(field, formatIso8601(value));
+}
+
+void JsonObjectOut::putOptionalString(std::string_view field, const std::optional<std::string>& value)
+{
+    if (value) {
+        putString(field, *value);
+    }
+}
+
+void JsonObjectOut::putOptionalInt(std::string_view field, const std::optional<std::int64_t>& value)
+{
+    if (value) {
+        putInt(field, *value);
+    }
+}
+
+void JsonObjectOut::putOptionalDate(std::string_view field, const std::optional<Date>& value)
+{
+    if (value) {
+        putDate(field, *value);
+    }
+}
+
+void JsonObjectOut::putStringArray(std::string_view field, const std::vector<std::string>& values)
+{
+    key(field);
+    m_output.beginArray();
+    for (const auto& value : values) {
+        m_output.string(value);
+    }
+    m_output.endArray();
+}
+
+void JsonObjectOut::putBoolMap(std::string_view field, const std::map<std::string, bool>& values)
+{
+    key(field);
+    m_output.beginObject();
+    for (const auto& [name, value] : values) {
+        m_output.key(name);
+        m_output.boolean(value);
+    }
+    m_output.endObject();
+}
+
+// MARK: - JsonObjectIn
+
+JsonObjectIn::JsonObjectIn(const rapidjson::Value& value, std::string path, bool underDataKey)
+    : m_object(value)
+    , m_path(std::move(path))
+    , m_underDataKey(underDataKey)
+{
+    if (!value.IsObject()) {
+        throw JsonDecodeError(concat({ m_path, " is not an object" }));
+    }
+}
+
+const rapidjson::Value* JsonObjectIn::find(std::string_view field) const
+{
+    // The first match wins: after the merge, stored keys stand before the defaults that fill gaps.
+    for (auto& member : m_object.GetObject()) {
+        std::string_view key = nameOf(member.name);
+        if (m_underDataKey ? key == field : storedKeyNamesField(key, field)) {
+            return &member.value;
+        }
+    }
+    return nullptr;
+}
+
+const rapidjson::Value& JsonObjectIn::required(std::string_view field) const
+{
+    const rapidjson::Value* value = find(field);
+    if (!value) {
+        throw JsonDecodeError(concat({ "required key \"", field, "\" is missing in ", m_path }));
+    }
+    if (value->IsNull()) {
+        throw JsonDecodeError(concat({ "required key \"", field, "\" is null in ", m_path }));
+    }
+    return *value;
+}
+
+const rapidjson::Value* JsonObjectIn::optional(std::string_view field) const
+{
+    const rapidjson::Value* value = find(field);
+    return (value && !value->IsNull()) ? value : nullptr;
+}
+
+std::string JsonObjectIn::childPath(std::string_view field) const
+{
+    return m_path == "the top level" ? std::string(field) : concat({ m_path, ".", field });
+}
+
+bool JsonObjectIn::childUnderDataKey(std::string_view field) const
+{
+    return m_underDataKey || isDataKeyedProperty(field);
+}
+
+JsonDecodeError JsonObjectIn::typeMismatch(std::string_view field, const char* expected) const
+{
+    return JsonDecodeError(concat({ "\"", field, "\" in ", m_path, " is not ", expected }));
+}
+
+namespace {
+
+std::optional<std::int64_t> asInteger(const rapidjson::Value& value)
+{
+    if (value.IsInt64()) {
+        return value.GetInt64();
+    }
+    if (value.IsDouble()) {
+        double number = value.GetDouble();
+        if (std::isfinite(number) && std::floor(number) == number && number >= -9.2233720368547758e18
+            && number < 9.2233720368547758e18) {
+            return static_cast<std::int64_t>(number);
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::string JsonObjectIn::string(std::string_view field) const
+{
+    const rapidjson::Value& value = required(field);
+    if (!value.IsString()) {
+        throw typeMismatch(field, "a string");
+    }
+    return std::string(value.GetString(), value.GetStringLength());
+}
+
+std::int64_t JsonObjectIn::integer(std::string_view field) const
+{
+    auto result = asInteger(required(field));
+    if (!result) {
+        throw typeMismatch(field, "an integer");
+    }
+    return *result;
+}
+
+double JsonObjectIn::number(std::string_view field) const
+{
+    const rapidjson::Value& value = required(field);
+    if (!value.IsNumber()) {
+        throw typeMismatch(field, "a number");
+    }
+    return value.GetDouble();
+}
+
+bool JsonObjectIn::boolean(std::string_view field) const
+{
+    const rapidjson::Value& value = required(field);
+    if (!value.IsBool()) {
+        throw typeMismatch(field, "a boolean");
+    }
+    return value.GetBool();
+}
+
+Date JsonObjectIn::date(std::string_view field) const
+{
+    auto date = parseIso8601(string(field));
+    if (!date) {
+        throw typeMismatch(field, "an ISO 8601 date");
+    }
+    return *date;
+}
+
+std::optional<std::string> JsonObjectIn::optionalString(std::string_view field) const
+{
+    if (!optional(field)) {
+        return std::nullopt;
+    }
+    return string(field);
+}
+
+std::optional<std::int64_t> JsonObjectIn::optionalInteger(std::string_view field) const
+{
+    if (!optional(field)) {
+        return std::nullopt;
+    }
+    return integer(field);
+}
+
+std::optional<Date> JsonObjectIn::optionalDate(std::string_view field) const
+{
+    if (!optional(field)) {
+        return std::nullopt;
+    }
+    return date(field);
+}
+
+std::vector<std::string> JsonObjectIn::stringArray(std::string_view field) const
+{
+    const rapidjson::Value& array = required(field);
+    if (!array.IsArray()) {
+        throw typeMismatch(field, "an array");
+    }
+    std::vector<std::string> values;
+    values.reserve(array.Size());
+    for (auto& element : array.GetArray()) {
+        if (!element.IsString()) {
+            throw typeMismatch(field, "an array of strings");
+        }
+        values.emplace_back(element.GetString(), element.GetStringLength());
+    }
+    return values;
+}
+
+std::map<std::string, bool> JsonObjectIn::boolMap(std::string_view field) const
+{
+    const rapidjson::Value& object = required(field);
+    if (!object.IsObject()) {
+        throw typeMismatch(field, "an object");
+    }
+    std::map<std::string, bool> values;
+    for (auto& member : object.GetObject()) {
+        if (!member.value.IsBool()) {
+            throw typeMismatch(field, "an object of booleans");
+        }
+        values.insert_or_assign(std::string(nameOf(member.name)), member.value.GetBool());
+    }
+    return values;
+}
+
+// MARK: - VldJson
+
+namespace VldJson {
+
+bool isDataKey(std::span<const std::string_view> path)
+{
+    if (path.size() < 2) {
+        return false;
+    }
+    return std::any_of(path.begin(), path.end() - 1, isDataKeyedProperty);
+}
+
+std::string storedKey(std::string_view fieldKey)
+{
+    std::string key(fieldKey);
+    if (!key.empty()) {
+        key[0] = toUpperAscii(key[0]);
+    }
+    return key;
+}
+
+std::string fieldKey(std::string_view storedKey)
+{
+    std::string key(storedKey);
+    if (!key.empty()) {
+        key[0] = toLowerAscii(key[0]);
+    }
+    return key;
+}
+
+void mergeOverDefaults(
+    rapidjson::Value& stored, const rapidjson::Value& defaults, rapidjson::MemoryPoolAllocator<>& allocator)
+{
+    for (auto& member : defaults.GetObject()) {
+        auto found = stored.FindMember(member.name);
+        if (found == stored.MemberEnd()) {
+            stored.AddMember(
+                rapidjson::Value(member.name, allocator), rapidjson::Value(member.value, allocator), allocator);
+        } else if (found->value.IsObject() && member.value.IsObject()) {
+            mergeOverDefaults(found->value, member.value, allocator);
+        }
+    }
+}
+
+rapidjson::Document parseMergedOverDefaults(std::vector<char>& stored, const std::string& defaultsJson)
+{
+    rapidjson::Document document;
+    stored.push_back('\0');
+    document.ParseInsitu(stored.data());
+    if (document.HasParseError()) {
+        throw JsonDecodeError(std::string("the JSON text is malformed at offset ")
+            + std::to_string(document.GetErrorOffset()) + ": " + rapidjson::GetParseError_En(document.GetParseError()));
+    }
+    rapidjson::Document defaults(&document.GetAllocator());
+    defaults.Parse(defaultsJson.data(), defaultsJson.size());
+    if (defaults.HasParseError()) {
+        throw JsonDecodeError("the defaults could not be encoded");
+    }
+    if (document.IsObject() && defaults.IsObject()) {
+        mergeOverDefaults(document, defaults, document.GetAllocator());
+    }
+    return document;
+}
+
+} // namespace VldJson
+
+} // namespace velder

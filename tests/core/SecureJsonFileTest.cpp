@@ -1,0 +1,222 @@
+#include "core/SecureJsonFile.h"
+#include "core/AesGcm.h"
+#include "core/KeychainKey.h"
+#include "core/Log.h"
+#include "core/VaultData.h"
+#include "support/TestSupport.h"
+
+#include <csignal>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace velder;
+using namespace velder::test;
+
+namespace {
+
+unsigned modeOf(const std::string& path)
+{
+    struct stat info { };
+    stat(path.c_str(), &info);
+    return info.st_mode & 0777;
+}
+
+VaultData sampleVault(const std::string& homepage)
+{
+    VaultData data;
+    data.settings.homepage = homepage;
+    return data;
+}
+
+} // namespace
+
+TEST(KeychainKey, FirstLaunchCreatesAKeyQuietly)
+{
+    TempDir dir;
+    LogCapture log;
+    auto key = KeychainKey::loadOrCreate(dir.file("vault.key"));
+    ASSERT_TRUE(key);
+    EXPECT_EQ(readBytes(dir.file("vault.key")), std::vector<std::uint8_t>(key->begin(), key->end()));
+    EXPECT_EQ(modeOf(dir.file("vault.key")), 0600u);
+    EXPECT_TRUE(log.lines().empty());
+    EXPECT_EQ(KeychainKey::loadOrCreate(dir.file("vault.key")), key) << "a second launch reads the same key";
+}
+
+TEST(KeychainKey, AKeyOfTheWrongLengthIsReplacedAndOldFilesStartFresh)
+{
+    for (std::size_t length : { 31u, 33u, 0u }) {
+        SCOPED_TRACE(length);
+        TempDir dir;
+        auto oldKey = KeychainKey::loadOrCreate(dir.file("vault.key"));
+        SecureJsonFile<VaultData>(dir.file("vault.bin"), oldKey).save(sampleVault("https://old.example/"));
+        auto sealed = readBytes(dir.file("vault.bin"));
+        writeBytes(dir.file("vault.key"), std::vector<std::uint8_t>(length, 7));
+
+        LogCapture log;
+        auto newKey = KeychainKey::loadOrCreate(dir.file("vault.key"));
+        ASSERT_TRUE(newKey);
+        EXPECT_NE(newKey, oldKey);
+        EXPECT_EQ(readBytes(dir.file("vault.key")).size(), 32u);
+        VaultData loaded = SecureJsonFile<VaultData>(dir.file("vault.bin"), newKey).load(VaultData());
+        EXPECT_EQ(loaded, VaultData());
+
+        auto lines = log.lines();
+        ASSERT_EQ(lines.size(), 2u);
+        EXPECT_EQ(
+            lines[0], "Velder: vault.key is " + std::to_string(length) + " bytes, expected 32; generating a new one.");
+        EXPECT_TRUE(lines[1].starts_with("Velder: vault.bin could not be read (")) << lines[1];
+        EXPECT_TRUE(lines[1].ends_with("); starting fresh.")) << lines[1];
+        EXPECT_EQ(readBytes(dir.file("vault.bin")), sealed) << "the unreadable file stays until the next save";
+    }
+}
+
+TEST(KeychainKey, AKeyThatCannotBeStoredLeavesTheLaunchWithoutPersistence)
+{
+    TempDir dir;
+    writeBytes(dir.file("not-a-folder"), { 1 });
+    LogCapture log;
+    auto key = KeychainKey::loadOrCreate(dir.file("not-a-folder/vault.key"));
+    EXPECT_FALSE(key);
+    auto lines = log.lines();
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_TRUE(lines[0].starts_with("Velder: could not write vault.key (")) << lines[0];
+    EXPECT_TRUE(lines[0].ends_with("); this launch will not persist.")) << lines[0];
+
+    // Without a key every file is quietly left alone: defaults in, false out, nothing written.
+    SecureJsonFile<VaultData> file(dir.file("vault.bin"), std::nullopt);
+    writeBytes(dir.file("vault.bin"), { 1, 2, 3 });
+    EXPECT_EQ(file.load(sampleVault("x")), sampleVault("x"));
+    EXPECT_FALSE(file.save(sampleVault("y")));
+    EXPECT_EQ(readBytes(dir.file("vault.bin")), (std::vector<std::uint8_t> { 1, 2, 3 }));
+    EXPECT_EQ(log.lines().size(), 1u);
+}
+
+TEST(SecureJsonFile, SavedFilesAreSealedWithAFreshNonceAndMode0600)
+{
+    TempDir dir;
+    SymmetricKey key = testDataKey();
+    SecureJsonFile<VaultData> file(dir.file("vault.bin"), key);
+    ASSERT_TRUE(file.save(sampleVault("https://a.example/")));
+    auto first = readBytes(dir.file("vault.bin"));
+    EXPECT_EQ(modeOf(dir.file("vault.bin")), 0600u);
+    ASSERT_TRUE(file.save(sampleVault("https://a.example/")));
+    auto second = readBytes(dir.file("vault.bin"));
+    EXPECT_NE(first, second) << "the nonce differs on every save";
+    EXPECT_EQ(first.size(), second.size());
+
+    // The file is the nonce, the ciphertext of the JSON text and the tag, and nothing else.
+    auto plaintext = AesGcm::open(key, second);
+    ASSERT_TRUE(plaintext);
+    EXPECT_EQ(std::string(plaintext->begin(), plaintext->end()), VldJson::encode(sampleVault("https://a.example/")));
+    EXPECT_EQ(second.size(), 12 + plaintext->size() + 16);
+    EXPECT_EQ(file.load(VaultData()).settings.homepage, "https://a.example/");
+    EXPECT_FALSE(fileExists(dir.file("vault.bin.tmp")));
+}
+
+TEST(SecureJsonFile, UnreadableFilesStartFreshAndStayOnDisk)
+{
+    SymmetricKey key = testDataKey();
+    SymmetricKey otherKey {};
+    struct Row {
+        const char* name;
+        std::function<std::vector<std::uint8_t>()> bytes;
+    };
+    auto sealText = [&](const std::string& text, const SymmetricKey& with) {
+        return *AesGcm::seal(with, std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+    };
+    std::vector<Row> rows = {
+        { "shorter than nonce and tag", [] { return std::vector<std::uint8_t>(27, 1); } },
+        { "sealed with another key", [&] { return sealText("{}", otherKey); } },
+        { "one bit flipped",
+            [&] {
+                auto bytes = sealText(R"({"SettingsVersion":1})", key);
+                bytes[14] ^= 0x01;
+                return bytes;
+            } },
+        { "plaintext is an array", [&] { return sealText("[]", key); } },
+        { "plaintext isn't JSON", [&] { return sealText("{\"Settings\":", key); } },
+        { "a required field is missing", [&] { return sealText(R"({"Windows":[{"ActiveTab":0}]})", key); } },
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        TempDir dir;
+        auto bytes = row.bytes();
+        writeBytes(dir.file("vault.bin"), bytes);
+        LogCapture log;
+        EXPECT_EQ(SecureJsonFile<VaultData>(dir.file("vault.bin"), key).load(sampleVault("d")), sampleVault("d"));
+        auto lines = log.lines();
+        ASSERT_EQ(lines.size(), 1u);
+        EXPECT_TRUE(lines[0].starts_with("Velder: vault.bin could not be read (")) << lines[0];
+        EXPECT_TRUE(lines[0].ends_with("); starting fresh.")) << lines[0];
+        EXPECT_GT(lines[0].size(), std::string("Velder: vault.bin could not be read (); starting fresh.").size());
+        EXPECT_EQ(readBytes(dir.file("vault.bin")), bytes);
+    }
+
+    TempDir dir;
+    LogCapture log;
+    EXPECT_EQ(SecureJsonFile<VaultData>(dir.file("vault.bin"), key).load(sampleVault("d")), sampleVault("d"));
+    EXPECT_TRUE(log.lines().empty()) << "a missing file is a first launch, not a failure";
+}
+
+TEST(SecureJsonFile, AFailedWriteLogsAndKeepsTheOldFileWhole)
+{
+    TempDir dir;
+    SymmetricKey key = testDataKey();
+    SecureJsonFile<VaultData> file(dir.file("vault.bin"), key);
+    ASSERT_TRUE(file.save(sampleVault("https://old.example/")));
+    auto old = readBytes(dir.file("vault.bin"));
+
+    // A file size limit below the new file makes the write fail half-way.
+    signal(SIGXFSZ, SIG_IGN);
+    rlimit saved {};
+    getrlimit(RLIMIT_FSIZE, &saved);
+    rlimit limited = saved;
+    limited.rlim_cur = 64;
+    setrlimit(RLIMIT_FSIZE, &limited);
+    LogCapture log;
+    bool saved_ok = file.save(sampleVault(std::string(4096, 'x')));
+    setrlimit(RLIMIT_FSIZE, &saved);
+
+    EXPECT_FALSE(saved_ok);
+    auto lines = log.lines();
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_TRUE(lines[0].starts_with("Velder: vault.bin could not be written (")) << lines[0];
+    EXPECT_TRUE(lines[0].ends_with(").")) << lines[0];
+    EXPECT_EQ(readBytes(dir.file("vault.bin")), old);
+    EXPECT_EQ(file.load(VaultData()).settings.homepage, "https://old.example/");
+}
+
+TEST(SecureJsonFile, AWriterKilledMidSaveLeavesTheOldFileOrTheNewWhole)
+{
+    TempDir dir;
+    SymmetricKey key = testDataKey();
+    std::string path = dir.file("vault.bin");
+    // Large records, so that a kill often lands inside a write.
+    std::vector<std::string> homepages = { std::string(3 << 20, 'a'), std::string(3 << 20, 'b') };
+    ASSERT_TRUE(SecureJsonFile<VaultData>(path, key).save(sampleVault(homepages[0])));
+
+    for (int round = 0; round < 20; ++round) {
+        pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            SecureJsonFile<VaultData> file(path, key);
+            for (int i = 0;; ++i) {
+                file.save(sampleVault(homepages[i % 2]));
+            }
+        }
+        usleep(static_cast<useconds_t>(2000 + (round * 7919) % 40000));
+        kill(child, SIGKILL);
+        int status = 0;
+        waitpid(child, &status, 0);
+
+        LogCapture log;
+        VaultData loaded = SecureJsonFile<VaultData>(path, key).load(VaultData());
+        EXPECT_TRUE(log.lines().empty()) << "round " << round << ": " << log.lines().at(0);
+        EXPECT_TRUE(loaded.settings.homepage == homepages[0] || loaded.settings.homepage == homepages[1])
+            << "round " << round;
+    }
+}

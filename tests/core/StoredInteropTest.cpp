@@ -1,0 +1,105 @@
+// Files sealed by another implementation of the format (../shared/testdata/stored) must read the same.
+
+#include "core/AesGcm.h"
+#include "core/KeychainKey.h"
+#include "core/Log.h"
+#include "core/Vault.h"
+#include "support/TestSupport.h"
+
+#include <gtest/gtest.h>
+
+using namespace velder;
+using namespace velder::test;
+
+namespace {
+
+std::string stored(const std::string& name)
+{
+    return testDataPath("stored/" + name);
+}
+
+Date at(const char* iso)
+{
+    return *parseIso8601(iso);
+}
+
+} // namespace
+
+TEST(StoredInterop, TheKeyFileIsRead)
+{
+    TempDir dir;
+    copyFile(stored("vault.key"), dir.file("vault.key"));
+    LogCapture log;
+    EXPECT_EQ(KeychainKey::loadOrCreate(dir.file("vault.key")), testDataKey());
+    EXPECT_TRUE(log.lines().empty());
+}
+
+TEST(StoredInterop, VaultReadsAsWritten)
+{
+    TempDir dir;
+    copyFile(stored("vault.bin"), dir.file("vault.bin"));
+    LogCapture log;
+    Vault vault(dir.file("vault.bin"), testDataKey());
+    EXPECT_TRUE(log.lines().empty());
+    auto data = vault.snapshot();
+
+    AppSettings expected;
+    expected.homepage = "https://home.example/";
+    expected.textColor = "white";
+    expected.locationEnabled = true;
+    expected.maxHistory = 100000;
+    EXPECT_EQ(data->settings, expected);
+    EXPECT_EQ(data->settingsVersion, 1);
+
+    ASSERT_EQ(data->windows.size(), 2u);
+    EXPECT_EQ(data->windows[0],
+        (WindowSession { { "https://a.example/", "velder://history/" }, 1, 10, 20, 900, 700, WindowState::normal }));
+    EXPECT_EQ(data->windows[1],
+        (WindowSession {
+            { "about:blank" }, 0, std::nullopt, std::nullopt, std::nullopt, std::nullopt, WindowState::zoomed }));
+
+    EXPECT_EQ(data->locationSites,
+        (std::map<std::string, bool> {
+            { "https://A.example", true }, { "http://b.example:8080", false }, { "Https://c.example", true } }));
+    EXPECT_EQ(data->dashboardPins,
+        (std::vector<DashboardPin> {
+            { "a.example", "https://a.example/x", std::nullopt }, { "b.example", "https://b.example/", "Bee" } }));
+    EXPECT_EQ(data->dashboardIgnored, std::vector<std::string> { "z.example" });
+    EXPECT_EQ(data->currentZoomLevel, 2.5);
+    EXPECT_EQ(data->lastUpdateCheckUtc, at("2026-11-01T12:30:45Z"));
+    EXPECT_FALSE(data->updateApplyAttempted);
+    EXPECT_EQ(data->updateApplyFailed, "2.0.1");
+
+    // The file keeps what the load normalised until the next write, which drops the unknown keys.
+    EXPECT_EQ(
+        SecureJsonFile<VaultData>(dir.file("vault.bin"), testDataKey()).load(VaultData()).settings.maxHistory, 200000);
+    vault.update([](VaultData& d) { d.currentZoomLevel = 1; });
+    vault.flushNow();
+    auto plaintext = AesGcm::open(testDataKey(), readBytes(dir.file("vault.bin")));
+    ASSERT_TRUE(plaintext);
+    std::string json(plaintext->begin(), plaintext->end());
+    EXPECT_EQ(json.find("Zzz"), std::string::npos);
+    EXPECT_EQ(json.find("NoSuchSetting"), std::string::npos);
+    EXPECT_NE(json.find(R"("MaxHistory":100000)"), std::string::npos);
+    EXPECT_NE(json.find(R"("Https://c.example":true)"), std::string::npos);
+}
+
+TEST(StoredInterop, BrokenVaultsStartFreshAndStayOnDisk)
+{
+    for (const char* name : { "vault-wrong-key.bin", "vault-short.bin", "vault-tampered.bin", "vault-array.bin",
+             "vault-window-without-tabs.bin", "vault-null-homepage.bin" }) {
+        SCOPED_TRACE(name);
+        TempDir dir;
+        copyFile(stored(name), dir.file("vault.bin"));
+        auto bytes = readBytes(dir.file("vault.bin"));
+        LogCapture log;
+        Vault vault(dir.file("vault.bin"), testDataKey());
+        EXPECT_EQ(*vault.snapshot(), VaultData());
+        auto lines = log.lines();
+        ASSERT_EQ(lines.size(), 1u);
+        EXPECT_TRUE(lines[0].starts_with("Velder: vault.bin could not be read (")) << lines[0];
+        EXPECT_TRUE(lines[0].ends_with("); starting fresh.")) << lines[0];
+        vault.flushNow();
+        EXPECT_EQ(readBytes(dir.file("vault.bin")), bytes);
+    }
+}

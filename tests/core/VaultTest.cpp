@@ -1,0 +1,160 @@
+#include "core/Vault.h"
+#include "core/Log.h"
+#include "core/NotificationCenter.h"
+#include "support/TestSupport.h"
+
+#include <atomic>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <thread>
+
+using namespace velder;
+using namespace velder::test;
+using namespace std::chrono_literals;
+
+namespace {
+
+ino_t inodeOf(const std::string& path)
+{
+    struct stat info { };
+    return stat(path.c_str(), &info) == 0 ? info.st_ino : 0;
+}
+
+// Counts "Velder.settingsDidChange" and remembers on which thread it came.
+struct SettingsObserver {
+    std::atomic<int> count { 0 };
+    std::thread::id thread;
+    NotificationCenter::Token token = NotificationCenter::defaultCenter().addObserver(
+        Vault::settingsDidChangeNotification, [this](const Notification&) {
+            thread = std::this_thread::get_id();
+            ++count;
+        });
+};
+
+} // namespace
+
+TEST(Vault, UpdateClampsMaxHistory)
+{
+    TempDir dir;
+    Vault vault(dir.file("vault.bin"), testDataKey());
+    for (auto [given, stored] : std::vector<std::pair<std::int64_t, std::int64_t>> {
+             { 100001, 100000 }, { -1, 0 }, { 250, 250 }, { 100000, 100000 }, { 0, 0 } }) {
+        SCOPED_TRACE(given);
+        vault.update([&](VaultData& data) { data.settings.maxHistory = given; });
+        EXPECT_EQ(vault.snapshot()->settings.maxHistory, stored);
+    }
+}
+
+TEST(Vault, LoadNormalisesWithoutWritingUntilAChange)
+{
+    TempDir dir;
+    VaultData stored;
+    stored.settings.maxHistory = 200000;
+    stored.settingsVersion = 7;
+    SecureJsonFile<VaultData> raw(dir.file("vault.bin"), testDataKey());
+    ASSERT_TRUE(raw.save(stored));
+
+    Vault vault(dir.file("vault.bin"), testDataKey());
+    EXPECT_EQ(vault.snapshot()->settings.maxHistory, 100000);
+    EXPECT_EQ(vault.snapshot()->settingsVersion, 1);
+
+    vault.flushNow();
+    EXPECT_EQ(raw.load(VaultData()).settings.maxHistory, 200000) << "the clamp at load isn't written by itself";
+    vault.update([](VaultData& data) { data.currentZoomLevel = 1; });
+    vault.flushNow();
+    EXPECT_EQ(raw.load(VaultData()).settings.maxHistory, 100000);
+    EXPECT_EQ(raw.load(VaultData()).settingsVersion, 1);
+}
+
+TEST(Vault, NotificationsFollowSettingsChangesOnly)
+{
+    TempDir dir;
+    Vault vault(dir.file("vault.bin"), testDataKey());
+    SettingsObserver observer;
+
+    vault.update([](VaultData& data) { data.settings.maxHistory = 5000; }); // its current value
+    vault.flushNow();
+    EXPECT_EQ(observer.count, 0);
+    EXPECT_FALSE(fileExists(dir.file("vault.bin"))) << "an update that changes nothing writes nothing";
+
+    vault.update([](VaultData& data) { data.currentZoomLevel = 2; });
+    vault.update([](VaultData& data) { data.windows.push_back({ { "https://a.example/" }, 0 }); });
+    EXPECT_EQ(observer.count, 0) << "fields outside the settings don't notify";
+    vault.flushNow();
+    EXPECT_TRUE(fileExists(dir.file("vault.bin")));
+
+    // Observers run on the calling thread once the lock is released: they can read the new state.
+    std::string seen;
+    auto reader = NotificationCenter::defaultCenter().addObserver(
+        Vault::settingsDidChangeNotification, [&](const Notification&) { seen = vault.snapshot()->settings.homepage; });
+    std::thread([&] { vault.update([](VaultData& data) { data.settings.homepage = "https://h.example/"; }); }).join();
+    EXPECT_EQ(observer.count, 1);
+    EXPECT_NE(observer.thread, std::this_thread::get_id());
+    EXPECT_EQ(seen, "https://h.example/");
+}
+
+TEST(Vault, SnapshotsDontChangeUnderTheirReader)
+{
+    TempDir dir;
+    Vault vault(dir.file("vault.bin"), testDataKey());
+    auto before = vault.snapshot();
+    vault.update([](VaultData& data) { data.dashboardIgnored.push_back("z.example"); });
+    EXPECT_TRUE(before->dashboardIgnored.empty());
+    EXPECT_EQ(vault.snapshot()->dashboardIgnored.size(), 1u);
+    EXPECT_EQ(vault.snapshot().get(), vault.snapshot().get()) << "a snapshot shares the record, it doesn't copy it";
+}
+
+TEST(Vault, ABurstOfChangesIsWrittenOnceTwoSecondsAfterTheLast)
+{
+    TempDir dir;
+    std::string path = dir.file("vault.bin");
+    Vault vault(path, testDataKey());
+    auto start = std::chrono::steady_clock::now();
+    vault.update([](VaultData& data) { data.currentZoomLevel = 1; });
+    std::this_thread::sleep_for(600ms);
+    vault.update([](VaultData& data) { data.currentZoomLevel = 2; });
+
+    // Two seconds after the first change the write has been pushed back by the second.
+    std::this_thread::sleep_until(start + 2300ms);
+    EXPECT_FALSE(fileExists(path));
+    ASSERT_TRUE(waitUntil([&] { return fileExists(path); }, 2000ms));
+    auto elapsed = std::chrono::steady_clock::now() - start;
+    EXPECT_GE(elapsed, 2550ms);
+    EXPECT_LE(elapsed, 3300ms);
+
+    ino_t written = inodeOf(path);
+    std::this_thread::sleep_for(2500ms);
+    EXPECT_EQ(inodeOf(path), written) << "the burst costs one write";
+    EXPECT_EQ(SecureJsonFile<VaultData>(path, testDataKey()).load(VaultData()).currentZoomLevel, 2);
+}
+
+TEST(Vault, AFailedSaveStaysDirtyForTheNextFlush)
+{
+    TempDir dir;
+    std::string folder = dir.file("later");
+    Vault vault(folder + "/vault.bin", testDataKey());
+    vault.update([](VaultData& data) { data.settings.homepage = "https://h.example/"; });
+    LogCapture log;
+    vault.flushNow();
+    ASSERT_EQ(log.lines().size(), 1u);
+    EXPECT_TRUE(log.lines()[0].starts_with("Velder: vault.bin could not be written ("));
+
+    std::filesystem::create_directories(folder);
+    vault.flushNow();
+    EXPECT_EQ(SecureJsonFile<VaultData>(folder + "/vault.bin", testDataKey()).load(VaultData()).settings.homepage,
+        "https://h.example/");
+}
+
+TEST(Vault, WithoutAKeyEverythingWorksInMemoryAndQuitDoesntHang)
+{
+    TempDir dir;
+    LogCapture log;
+    Vault vault(dir.file("vault.bin"), std::nullopt);
+    vault.update([](VaultData& data) { data.settings.textColor = "white"; });
+    EXPECT_EQ(vault.snapshot()->settings.textColor, "white");
+    vault.flushNow();
+    vault.flushNow();
+    EXPECT_FALSE(fileExists(dir.file("vault.bin")));
+    EXPECT_TRUE(log.lines().empty());
+}

@@ -1,0 +1,199 @@
+#include "core/VldJson.h"
+#include "core/VaultData.h"
+
+#include <gtest/gtest.h>
+
+using namespace velder;
+
+namespace {
+
+// A record shaped like the favicon file, to see the data-keyed rule act two levels deep.
+struct IconEntry {
+    std::string mime;
+    std::string data;
+    Date fetchedUtc;
+};
+
+struct IconsRecord {
+    std::map<std::string, IconEntry> icons;
+    std::int64_t count = 0;
+};
+
+void encodeJson(const IconEntry& entry, JsonObjectOut& out)
+{
+    out.putString("mime", entry.mime);
+    out.putString("data", entry.data);
+    out.putDate("fetchedUtc", entry.fetchedUtc);
+}
+
+void decodeJson(const JsonObjectIn& in, IconEntry& entry)
+{
+    entry.mime = in.string("mime");
+    entry.data = in.string("data");
+    entry.fetchedUtc = in.date("fetchedUtc");
+}
+
+void encodeJson(const IconsRecord& record, JsonObjectOut& out)
+{
+    out.putRecordMap("icons", record.icons);
+    out.putInt("count", record.count);
+}
+
+void decodeJson(const JsonObjectIn& in, IconsRecord& record)
+{
+    record.icons = in.recordMap<IconEntry>("icons");
+    record.count = in.integer("count");
+}
+
+std::vector<char> bytesOf(const std::string& text)
+{
+    return std::vector<char>(text.begin(), text.end());
+}
+
+Date at(const char* iso)
+{
+    return *parseIso8601(iso);
+}
+
+} // namespace
+
+TEST(VldJson, IsDataKeyLooksAtEveryKeyButTheLast)
+{
+    struct Row {
+        std::vector<std::string_view> path;
+        bool expected;
+    };
+    std::vector<Row> rows = {
+        { {}, false },
+        { { "locationSites" }, false },
+        { { "settings", "maxHistory" }, false },
+        { { "locationSites", "https://A.example" }, true },
+        { { "LocationSites", "https://A.example" }, true },
+        { { "icons", "a.example", "fetchedUtc" }, true },
+        { { "Icons", "a.example" }, true },
+        { { "ICONS", "a.example" }, false },
+        { { "windows", "0", "activeTab" }, false },
+        { { "settings", "icons" }, false },
+    };
+    for (const auto& row : rows) {
+        std::string trace;
+        for (auto key : row.path) {
+            trace += std::string(key) + "/";
+        }
+        SCOPED_TRACE(trace);
+        EXPECT_EQ(VldJson::isDataKey(row.path), row.expected);
+    }
+}
+
+TEST(VldJson, DefaultVaultIsOneSortedLineWithStoredKeys)
+{
+    EXPECT_EQ(VldJson::encode(VaultData()),
+        R"({"CurrentZoomLevel":0,"DashboardIgnored":[],"DashboardPins":[],"LocationSites":{},)"
+        R"("Settings":{"ArchiveOldVersions":false,"AskWhereToSaveDownloads":false,"BorderColor":"gunmetal",)"
+        R"("FieldColor":"charcoal","HighlightColor":"magenta","Homepage":"velder://about/","LocationEnabled":false,)"
+        R"("MaxHistory":5000,"NewTabPage":"about:blank","PassiveColor":"grey","RestoreSession":true,)"
+        R"("SearchTemplate":"https://duckduckgo.com/?q={q}","TextColor":"cyan"},"SettingsVersion":1,"Windows":[]})");
+}
+
+TEST(VldJson, DataKeysAndOptionalsAndDates)
+{
+    VaultData data;
+    data.locationSites = { { "https://A.example", true }, { "http://b.example:8080", false } };
+    data.windows.push_back({ { "https://a.example/" }, 0, 10, std::nullopt, 900, 700, WindowState::zoomed });
+    data.dashboardPins.push_back({ "a.example", "https://a.example/x", std::nullopt });
+    data.lastUpdateCheckUtc = at("2026-11-01T12:30:45Z") + std::chrono::milliseconds(999);
+    std::string json = VldJson::encode(data);
+
+    EXPECT_NE(
+        json.find(R"("LocationSites":{"http://b.example:8080":false,"https://A.example":true})"), std::string::npos);
+    EXPECT_NE(json.find(R"("Windows":[{"ActiveTab":0,"H":700,"State":"zoomed","Tabs":["https://a.example/"],)"
+                        R"("W":900,"X":10}])"),
+        std::string::npos);
+    EXPECT_NE(json.find(R"("DashboardPins":[{"Site":"a.example","Url":"https://a.example/x"}])"), std::string::npos);
+    EXPECT_NE(json.find(R"("LastUpdateCheckUtc":"2026-11-01T12:30:45Z")"), std::string::npos);
+    EXPECT_EQ(json.find("null"), std::string::npos);
+    EXPECT_EQ(json.find('\n'), std::string::npos);
+
+    VaultData back = VldJson::decode(bytesOf(json), VaultData());
+    EXPECT_EQ(back.locationSites, data.locationSites);
+    EXPECT_EQ(back.windows, data.windows);
+    EXPECT_EQ(back.dashboardPins, data.dashboardPins);
+    EXPECT_EQ(back.lastUpdateCheckUtc, at("2026-11-01T12:30:45Z"));
+}
+
+TEST(VldJson, EveryDepthBelowADataKeyedPropertyStaysAsItIs)
+{
+    IconsRecord record;
+    record.icons["B.example"] = { "image/png", "AAAA", at("2026-11-02T00:00:00Z") };
+    record.count = 1;
+    std::string json = VldJson::encode(record);
+    EXPECT_EQ(json,
+        R"({"Count":1,"Icons":{"B.example":{"data":"AAAA","fetchedUtc":"2026-11-02T00:00:00Z","mime":"image/png"}}})");
+
+    IconsRecord back = VldJson::decode(bytesOf(json), IconsRecord());
+    ASSERT_EQ(back.icons.count("B.example"), 1u);
+    EXPECT_EQ(back.icons["B.example"].mime, "image/png");
+
+    // Below "Icons" the keys are data: an upper-cased inner key is not the field "mime".
+    EXPECT_THROW(
+        VldJson::decode(
+            bytesOf(R"({"Icons":{"a":{"Mime":"x","data":"y","fetchedUtc":"2026-11-02T00:00:00Z"}}})"), IconsRecord()),
+        JsonDecodeError);
+}
+
+TEST(VldJson, StoredFilesMergeOverTheDefaults)
+{
+    struct Row {
+        const char* name;
+        const char* stored;
+        std::function<void(const VaultData&)> check;
+    };
+    std::vector<Row> rows = {
+        { "empty object gives the defaults", "{}", [](const VaultData& d) { EXPECT_EQ(d, VaultData()); } },
+        { "a field missing inside Settings takes its default", R"({"Settings":{"Homepage":"https://h.example/"}})",
+            [](const VaultData& d) {
+                EXPECT_EQ(d.settings.homepage, "https://h.example/");
+                AppSettings expected;
+                expected.homepage = "https://h.example/";
+                EXPECT_EQ(d.settings, expected);
+            } },
+        { "unknown keys are ignored", R"({"Zzz":1,"Settings":{"NoSuchSetting":true,"MaxHistory":7}})",
+            [](const VaultData& d) { EXPECT_EQ(d.settings.maxHistory, 7); } },
+        { "a null optional is absent", R"({"LastUpdateCheckUtc":null,"UpdateApplyFailed":null})",
+            [](const VaultData& d) {
+                EXPECT_FALSE(d.lastUpdateCheckUtc);
+                EXPECT_FALSE(d.updateApplyFailed);
+            } },
+        { "an integral double reads as an integer", R"({"Settings":{"MaxHistory":250.0}})",
+            [](const VaultData& d) { EXPECT_EQ(d.settings.maxHistory, 250); } },
+        { "arrays are replaced whole", R"({"DashboardIgnored":["z.example"]})",
+            [](const VaultData& d) { EXPECT_EQ(d.dashboardIgnored, std::vector<std::string> { "z.example" }); } },
+        { "any state but zoomed is normal", R"({"Windows":[{"Tabs":[],"ActiveTab":0,"State":"fullscreen"}]})",
+            [](const VaultData& d) { EXPECT_EQ(d.windows.at(0).state, WindowState::normal); } },
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        row.check(VldJson::decode(bytesOf(row.stored), VaultData()));
+    }
+}
+
+TEST(VldJson, StrictDecodingFailsTheWholeFile)
+{
+    const char* failing[] = {
+        R"([1,2])", // not an object at the top: decoded directly, and fails
+        R"("text")",
+        R"({"Windows":[{"ActiveTab":0,"State":"normal"}]})", // an array element gets no defaults
+        R"({"Settings":{"Homepage":null}})", // null for a required field
+        R"({"Settings":5})", // a stored non-object replaces the default object
+        R"({"CurrentZoomLevel":"2"})", // a field of the wrong type
+        R"({"Settings":{"MaxHistory":2.5}})", R"({"Settings":{"RestoreSession":1}})",
+        R"({"Windows":[{"Tabs":["a"],"ActiveTab":0}]})", // State is required
+        R"({"Windows":[{"Tabs":["a"],"ActiveTab":0,"State":3}]})", R"({"LastUpdateCheckUtc":"yesterday"})",
+        R"({"LocationSites":{"https://a.example":"yes"}})",
+        R"({"Settings":)", // not JSON
+    };
+    for (const char* stored : failing) {
+        SCOPED_TRACE(stored);
+        EXPECT_THROW(VldJson::decode(bytesOf(stored), VaultData()), JsonDecodeError);
+    }
+}

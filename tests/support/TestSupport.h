@@ -1,0 +1,66 @@
+#pragma once
+
+#include "core/SymmetricKey.h"
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace velder::test {
+
+// A fresh folder under /tmp, removed with everything in it when the object goes.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+
+    const std::string& path() const { return m_path; }
+    std::string file(const std::string& name) const { return m_path + "/" + name; }
+
+private:
+    std::string m_path;
+};
+
+// Sets an environment variable (or unsets it, with nullopt) and restores the old value when it goes.
+class ScopedEnv {
+public:
+    ScopedEnv(std::string name, std::optional<std::string> value);
+    ~ScopedEnv();
+
+private:
+    std::string m_name;
+    std::optional<std::string> m_old;
+};
+
+// A profile of its own: XDG_DATA_HOME, XDG_CACHE_HOME and HOME point into a temporary folder.
+class TestProfile {
+public:
+    TestProfile();
+    const TempDir& root() const { return m_root; }
+
+private:
+    TempDir m_root;
+    ScopedEnv m_data;
+    ScopedEnv m_cache;
+    ScopedEnv m_home;
+};
+
+// The key of the shared test data: the bytes 00 01 02 ... 1f.
+SymmetricKey testDataKey();
+// A path in ../shared/testdata.
+std::string testDataPath(const std::string& relative);
+
+std::vector<std::uint8_t> readBytes(const std::string& path);
+void writeBytes(const std::string& path, const std::vector<std::uint8_t>& bytes);
+void copyFile(const std::string& from, const std::string& to);
+bool fileExists(const std::string& path);
+
+// Polls the condition every few milliseconds until it holds or the timeout passes; returns the last answer.
+bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout);
+
+} // namespace velder::test
