@@ -85,8 +85,9 @@ void SerialQueue::run()
             continue;
         }
         auto first = m_pending.begin();
-        if (first->first > Clock::now()) {
-            m_wake.wait_until(lock, first->first);
+        if (Clock::time_point due = first->first; due > Clock::now()) {
+            // A copy: the entry may go while the lock is released during the wait.
+            m_wake.wait_until(lock, due);
             continue;
         }
         Entry entry = std::move(first->second);
