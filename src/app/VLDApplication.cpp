@@ -1,5 +1,7 @@
 #include "app/VLDApplication.h"
 
+#include "core/AppInfo.h"
+
 namespace velder {
 
 namespace {
@@ -11,7 +13,7 @@ GtkApplication* application = nullptr;
 void VLDApplication::installSharedApplication()
 {
     if (!application) {
-        application = gtk_application_new(applicationId, G_APPLICATION_HANDLES_OPEN);
+        application = gtk_application_new(AppInfo::applicationId, G_APPLICATION_HANDLES_OPEN);
     }
 }
 

@@ -8,8 +8,6 @@ namespace velder {
 // launch finds the running one through D-Bus and hands it its URL.
 class VLDApplication {
 public:
-    static constexpr const char* applicationId = "local.velder.Velder";
-
     // Creates the application object; nothing else may create one first.
     static void installSharedApplication();
     // The application object, or null before installSharedApplication.

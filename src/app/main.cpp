@@ -1,4 +1,4 @@
-#include "app/AppDelegate.h"
+#include "app/Launcher.h"
 #include "app/VLDApplication.h"
 #include "bridge/VLDEngineRuntime.h"
 #include "core/AppInfo.h"
@@ -22,8 +22,11 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "Velder could not start.\n%s\n", error.c_str());
         return 1;
     }
-
-    int status = AppDelegate::run(VLDApplication::shared(), arguments);
+    if (Launcher::forwardToRunningInstance(VLDApplication::shared(), arguments)) {
+        VLDEngineRuntime::shutdown();
+        return 0;
+    }
+    int status = Launcher::run(VLDApplication::shared(), arguments);
     VLDEngineRuntime::shutdown();
     return status;
 }

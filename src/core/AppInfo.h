@@ -10,6 +10,9 @@ namespace velder {
 // its own variables gets its own folders.
 namespace AppInfo {
 
+// The desktop's name for Velder: the GtkApplication id, the .desktop file's name, GeoClue's desktop id.
+inline constexpr const char* applicationId = "local.velder.Velder";
+
 // $XDG_DATA_HOME/Velder (default ~/.local/share/Velder): the key, the three sealed files, the engine's data.
 std::string dataDirectory();
 // $XDG_CACHE_HOME/Velder (default ~/.cache/Velder).
