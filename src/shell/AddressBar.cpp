@@ -1,0 +1,311 @@
+#include "shell/AddressBar.h"
+
+#include "core/Palette.h"
+#include "shell/Drawing.h"
+#include "shell/FieldStyle.h"
+
+#include <algorithm>
+#include <cmath>
+
+struct VelderAddressBar {
+    GtkWidget parent;
+    velder::AddressBar* owner;
+};
+struct VelderAddressBarClass {
+    GtkWidgetClass parent;
+};
+G_DEFINE_TYPE(VelderAddressBar, velder_address_bar, GTK_TYPE_WIDGET)
+
+namespace {
+
+velder::AddressBar* ownerOf(gpointer widget)
+{
+    return reinterpret_cast<VelderAddressBar*>(widget)->owner;
+}
+
+void barSnapshot(GtkWidget* widget, GtkSnapshot* snapshot)
+{
+    if (auto* bar = ownerOf(widget)) {
+        bar->snapshot(snapshot);
+    }
+}
+
+void barMeasure(GtkWidget* widget, GtkOrientation orientation, int forSize, int* minimum, int* natural, int* baseline,
+    int* naturalBaseline)
+{
+    *minimum = *natural = 0;
+    *baseline = *naturalBaseline = -1;
+    if (auto* bar = ownerOf(widget)) {
+        bar->measure(orientation, forSize, minimum, natural);
+    }
+}
+
+void barSizeAllocate(GtkWidget* widget, int width, int height, int)
+{
+    if (auto* bar = ownerOf(widget)) {
+        bar->allocate(width, height);
+    }
+}
+
+void barDispose(GObject* object)
+{
+    while (GtkWidget* child = gtk_widget_get_first_child(GTK_WIDGET(object))) {
+        gtk_widget_unparent(child);
+    }
+    G_OBJECT_CLASS(velder_address_bar_parent_class)->dispose(object);
+}
+
+void barPressed(GtkGestureClick*, int, double x, double y, gpointer widget)
+{
+    if (auto* bar = ownerOf(widget)) {
+        bar->click(x, y);
+    }
+}
+
+void focusEntered(GtkEventControllerFocus*, gpointer widget)
+{
+    if (auto* bar = ownerOf(widget)) {
+        bar->beginEditing();
+    }
+}
+
+void focusLeft(GtkEventControllerFocus*, gpointer widget)
+{
+    if (auto* bar = ownerOf(widget)) {
+        bar->endEditing();
+    }
+}
+
+void textChanged(GtkEditable*, gpointer widget)
+{
+    if (auto* bar = ownerOf(widget)) {
+        bar->reportTextChange();
+    }
+}
+
+gboolean keyPressed(GtkEventControllerKey*, guint keyval, guint, GdkModifierType state, gpointer widget)
+{
+    auto* bar = ownerOf(widget);
+    return bar && bar->handleKey(keyval, state);
+}
+
+} // namespace
+
+static void velder_address_bar_class_init(VelderAddressBarClass* klass)
+{
+    GtkWidgetClass* widgetClass = GTK_WIDGET_CLASS(klass);
+    widgetClass->snapshot = barSnapshot;
+    widgetClass->measure = barMeasure;
+    widgetClass->size_allocate = barSizeAllocate;
+    G_OBJECT_CLASS(klass)->dispose = barDispose;
+    gtk_widget_class_set_css_name(widgetClass, "addressbar");
+    gtk_widget_class_set_accessible_role(widgetClass, GTK_ACCESSIBLE_ROLE_GROUP);
+}
+
+static void velder_address_bar_init(VelderAddressBar* self)
+{
+    GtkWidget* widget = GTK_WIDGET(self);
+    gtk_widget_set_cursor_from_name(widget, "text");
+    gtk_widget_set_hexpand(widget, TRUE);
+    GtkGesture* click = gtk_gesture_click_new();
+    gtk_gesture_single_set_button(GTK_GESTURE_SINGLE(click), GDK_BUTTON_PRIMARY);
+    g_signal_connect(click, "pressed", G_CALLBACK(barPressed), self);
+    gtk_widget_add_controller(widget, GTK_EVENT_CONTROLLER(click));
+}
+
+namespace velder {
+
+AddressBar::AddressBar()
+    : m_widget(GObjectPtr<GtkWidget>::adopt(GTK_WIDGET(g_object_new(velder_address_bar_get_type(), nullptr))))
+{
+    reinterpret_cast<VelderAddressBar*>(m_widget.get())->owner = this;
+
+    m_field = gtk_text_new();
+    gtk_text_set_placeholder_text(GTK_TEXT(m_field), placeholder);
+    gtk_accessible_update_property(GTK_ACCESSIBLE(m_field), GTK_ACCESSIBLE_PROPERTY_LABEL, "Address", -1);
+    gtk_editable_set_width_chars(GTK_EDITABLE(m_field), 1);
+    FieldStyle::attach(m_field, FieldStyle::Kind::address);
+    // Until editing begins, clicks go to the bar, which selects everything rather than placing the caret.
+    gtk_widget_set_can_target(m_field, FALSE);
+    gtk_widget_set_parent(m_field, m_widget.get());
+    gtk_widget_set_parent(m_pin.widget(), m_widget.get());
+
+    GtkEventController* focus = gtk_event_controller_focus_new();
+    g_signal_connect(focus, "enter", G_CALLBACK(focusEntered), m_widget.get());
+    g_signal_connect(focus, "leave", G_CALLBACK(focusLeft), m_widget.get());
+    gtk_widget_add_controller(m_field, focus);
+
+    // The capture phase sees the keys before the text does, which would take Up, Down and Return itself.
+    GtkEventController* keys = gtk_event_controller_key_new();
+    gtk_event_controller_set_propagation_phase(keys, GTK_PHASE_CAPTURE);
+    g_signal_connect(keys, "key-pressed", G_CALLBACK(keyPressed), m_widget.get());
+    gtk_widget_add_controller(m_field, keys);
+
+    g_signal_connect(m_field, "changed", G_CALLBACK(textChanged), m_widget.get());
+
+    m_themeToken = Themed::subscribeToTheme(m_widget.get(), [this] { applyTheme(); });
+}
+
+AddressBar::~AddressBar()
+{
+    reinterpret_cast<VelderAddressBar*>(m_widget.get())->owner = nullptr;
+}
+
+std::string AddressBar::text() const
+{
+    return gtk_editable_get_text(GTK_EDITABLE(m_field));
+}
+
+void AddressBar::setText(const std::string& text)
+{
+    m_isSettingText = true;
+    gtk_editable_set_text(GTK_EDITABLE(m_field), text.c_str());
+    m_isSettingText = false;
+}
+
+void AddressBar::reportTextChange()
+{
+    if (m_isSettingText) {
+        return;
+    }
+    if (auto changed = onTextChanged) {
+        changed(text());
+    }
+}
+
+void AddressBar::focusAndSelectAll()
+{
+    gtk_widget_grab_focus(m_field);
+    gtk_editable_select_region(GTK_EDITABLE(m_field), 0, -1);
+}
+
+void AddressBar::beep()
+{
+    gtk_widget_error_bell(m_widget.get());
+}
+
+double AddressBar::fieldWidth(double barWidth, bool pinShown)
+{
+    return std::max(barWidth - 10 - (pinShown ? 34 : 10), 0.0);
+}
+
+bool AddressBar::handleKey(guint keyval, GdkModifierType modifiers)
+{
+    // Up and Down with a modifier extend the selection or move by word: the field's own business.
+    bool plain = !(modifiers & (GDK_SHIFT_MASK | GDK_CONTROL_MASK | GDK_ALT_MASK | GDK_SUPER_MASK | GDK_META_MASK));
+    switch (keyval) {
+    case GDK_KEY_Up:
+    case GDK_KEY_KP_Up:
+    case GDK_KEY_Down:
+    case GDK_KEY_KP_Down: {
+        auto move = onMoveSelection;
+        if (!plain || !move) {
+            return false;
+        }
+        return move(keyval == GDK_KEY_Up || keyval == GDK_KEY_KP_Up ? -1 : 1);
+    }
+    case GDK_KEY_Return:
+    case GDK_KEY_KP_Enter:
+    case GDK_KEY_ISO_Enter:
+        if (auto commit = onCommit) {
+            commit(text());
+        }
+        return true;
+    case GDK_KEY_Escape: {
+        auto cancel = onCancel;
+        return cancel && cancel();
+    }
+    default:
+        return false;
+    }
+}
+
+void AddressBar::beginEditing()
+{
+    if (m_isEditing) {
+        return;
+    }
+    m_isEditing = true;
+    gtk_widget_set_can_target(m_field, TRUE);
+    gtk_widget_queue_draw(m_widget.get());
+    gtk_editable_select_region(GTK_EDITABLE(m_field), 0, -1);
+    if (auto changed = onFocusChanged) {
+        changed(true);
+    }
+}
+
+void AddressBar::endEditing()
+{
+    if (!m_isEditing) {
+        return;
+    }
+    m_isEditing = false;
+    gtk_widget_set_can_target(m_field, FALSE);
+    // Back to the start of the address, with nothing selected.
+    gtk_editable_select_region(GTK_EDITABLE(m_field), 0, 0);
+    gtk_widget_queue_draw(m_widget.get());
+    if (auto cancel = onCancel) {
+        cancel();
+    }
+    if (auto changed = onFocusChanged) {
+        changed(false);
+    }
+}
+
+void AddressBar::click(double x, double y)
+{
+    if (m_isEditing) {
+        return;
+    }
+    graphene_rect_t pin;
+    if (m_pin.isShown() && gtk_widget_compute_bounds(m_pin.widget(), m_widget.get(), &pin)) {
+        graphene_point_t point = GRAPHENE_POINT_INIT(static_cast<float>(x), static_cast<float>(y));
+        if (graphene_rect_contains_point(&pin, &point)) {
+            return;
+        }
+    }
+    focusAndSelectAll();
+}
+
+void AddressBar::applyTheme()
+{
+    FieldStyle::refresh();
+    gtk_widget_queue_draw(m_field);
+}
+
+void AddressBar::measure(GtkOrientation orientation, int, int* minimum, int* natural)
+{
+    if (orientation == GTK_ORIENTATION_HORIZONTAL) {
+        *minimum = *natural = 0;
+        return;
+    }
+    int fieldMinimum = 0, fieldNatural = 0;
+    gtk_widget_measure(m_field, GTK_ORIENTATION_VERTICAL, -1, &fieldMinimum, &fieldNatural, nullptr, nullptr);
+    *minimum = std::max(fieldMinimum, LocationPin::side);
+    *natural = std::max(fieldNatural, LocationPin::side);
+}
+
+void AddressBar::allocate(int width, int height)
+{
+    bool pinShown = m_pin.isShown();
+    int fieldMinimum = 0, fieldHeight = 0;
+    gtk_widget_measure(m_field, GTK_ORIENTATION_VERTICAL, -1, &fieldMinimum, &fieldHeight, nullptr, nullptr);
+    GtkAllocation field = { 10, static_cast<int>(std::round((height - fieldHeight) / 2.0)),
+        static_cast<int>(fieldWidth(width, pinShown)), fieldHeight };
+    gtk_widget_size_allocate(m_field, &field, -1);
+    if (pinShown) {
+        GtkAllocation pin = { width - 28, static_cast<int>(std::round((height - LocationPin::side) / 2.0)),
+            LocationPin::side, LocationPin::side };
+        gtk_widget_size_allocate(m_pin.widget(), &pin, -1);
+    }
+}
+
+void AddressBar::snapshot(GtkSnapshot* snapshot)
+{
+    GtkWidget* widget = m_widget.get();
+    Drawing::fill(snapshot, Palette::fieldColor(), Drawing::bounds(widget));
+    gtk_widget_snapshot_child(widget, m_field, snapshot);
+    gtk_widget_snapshot_child(widget, m_pin.widget(), snapshot);
+}
+
+} // namespace velder
