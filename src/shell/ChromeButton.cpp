@@ -55,6 +55,7 @@ void buttonSizeAllocate(GtkWidget* widget, int, int, int)
 
 void buttonDispose(GObject* object)
 {
+    velder::PopupMenu::unparent(GTK_WIDGET(object));
     while (GtkWidget* child = gtk_widget_get_first_child(GTK_WIDGET(object))) {
         gtk_widget_unparent(child);
     }

@@ -42,6 +42,7 @@ void pinSizeAllocate(GtkWidget* widget, int, int, int)
 
 void pinDispose(GObject* object)
 {
+    velder::PopupMenu::unparent(GTK_WIDGET(object));
     while (GtkWidget* child = gtk_widget_get_first_child(GTK_WIDGET(object))) {
         gtk_widget_unparent(child);
     }

@@ -9,8 +9,8 @@ namespace velder {
 // Menus of the chrome: a GMenuModel shown in a GtkPopoverMenu that hangs from a widget of ours. Its items
 // activate the actions they name ("win.newWindow"), looked up from the anchor upwards.
 //
-// The anchor must call presentAll() from its size_allocate and unparent its children when disposed, as
-// every widget of the chrome does.
+// The anchor keeps its menu as a child: it must call presentAll() from its size_allocate and unparent()
+// when disposed.
 namespace PopupMenu {
 
 // Pops `model` up with its top-left corner at (x, y) in the anchor's coordinates. `onClosed` runs when it
@@ -20,8 +20,11 @@ void popup(GtkWidget* anchor, GMenuModel* model, double x, double y, std::functi
 // The menu open on the anchor, or null.
 GtkPopover* openMenu(GtkWidget* anchor);
 
-// Keeps the anchor's popovers placed; from the anchor's size_allocate.
+// Keeps the anchor's menu placed; from the anchor's size_allocate.
 void presentAll(GtkWidget* anchor);
+
+// Takes the anchor's menu down for good; from the anchor's dispose.
+void unparent(GtkWidget* anchor);
 
 } // namespace PopupMenu
 

@@ -42,6 +42,7 @@ void slotSizeAllocate(GtkWidget* widget, int width, int height, int)
 
 void slotDispose(GObject* object)
 {
+    velder::PopupMenu::unparent(GTK_WIDGET(object));
     while (GtkWidget* child = gtk_widget_get_first_child(GTK_WIDGET(object))) {
         gtk_widget_unparent(child);
     }

@@ -140,6 +140,8 @@ GtkWindow* WidgetTest::hostIn(GtkWidget* container, GtkWidget* child, int width,
 {
     GtkWidget* window = gtk_window_new();
     gtk_window_set_decorated(GTK_WINDOW(window), FALSE);
+    // The tests drive the widgets' entry points themselves; the real pointer must not reach them too.
+    gtk_widget_set_can_target(window, FALSE);
     gtk_window_set_default_size(GTK_WINDOW(window), width, height);
     gtk_window_set_child(GTK_WINDOW(window), container);
     gtk_window_present(GTK_WINDOW(window));
