@@ -62,18 +62,20 @@ void barPressed(GtkGestureClick*, int, double x, double y, gpointer widget)
     }
 }
 
-void focusEntered(GtkEventControllerFocus*, gpointer widget)
+void barRoot(GtkWidget* widget)
 {
+    GTK_WIDGET_CLASS(velder_address_bar_parent_class)->root(widget);
     if (auto* bar = ownerOf(widget)) {
-        bar->beginEditing();
+        bar->watchFocus();
     }
 }
 
-void focusLeft(GtkEventControllerFocus*, gpointer widget)
+void barUnroot(GtkWidget* widget)
 {
     if (auto* bar = ownerOf(widget)) {
-        bar->endEditing();
+        bar->unwatchFocus();
     }
+    GTK_WIDGET_CLASS(velder_address_bar_parent_class)->unroot(widget);
 }
 
 void textChanged(GtkEditable*, gpointer widget)
@@ -97,6 +99,8 @@ static void velder_address_bar_class_init(VelderAddressBarClass* klass)
     widgetClass->snapshot = barSnapshot;
     widgetClass->measure = barMeasure;
     widgetClass->size_allocate = barSizeAllocate;
+    widgetClass->root = barRoot;
+    widgetClass->unroot = barUnroot;
     G_OBJECT_CLASS(klass)->dispose = barDispose;
     gtk_widget_class_set_css_name(widgetClass, "addressbar");
     gtk_widget_class_set_accessible_role(widgetClass, GTK_ACCESSIBLE_ROLE_GROUP);
@@ -130,11 +134,6 @@ AddressBar::AddressBar()
     gtk_widget_set_parent(m_field, m_widget.get());
     gtk_widget_set_parent(m_pin.widget(), m_widget.get());
 
-    GtkEventController* focus = gtk_event_controller_focus_new();
-    g_signal_connect(focus, "enter", G_CALLBACK(focusEntered), m_widget.get());
-    g_signal_connect(focus, "leave", G_CALLBACK(focusLeft), m_widget.get());
-    gtk_widget_add_controller(m_field, focus);
-
     // The capture phase sees the keys before the text does, which would take Up, Down and Return itself.
     GtkEventController* keys = gtk_event_controller_key_new();
     gtk_event_controller_set_propagation_phase(keys, GTK_PHASE_CAPTURE);
@@ -149,6 +148,45 @@ AddressBar::AddressBar()
 AddressBar::~AddressBar()
 {
     reinterpret_cast<VelderAddressBar*>(m_widget.get())->owner = nullptr;
+}
+
+// Editing follows the window's focus widget rather than the field's focus events: those also come when
+// the whole window loses the keyboard to another, which must not end an edit.
+void AddressBar::watchFocus()
+{
+    GtkRoot* root = gtk_widget_get_root(m_widget.get());
+    if (!GTK_IS_WINDOW(root)) {
+        return;
+    }
+    m_focusWatch
+        = SignalConnection(root, "notify::focus-widget", G_CALLBACK(+[](GObject*, GParamSpec*, gpointer widget) {
+              if (auto* bar = ownerOf(widget)) {
+                  bar->followFocus();
+              }
+          }),
+            m_widget.get());
+    followFocus();
+}
+
+void AddressBar::unwatchFocus()
+{
+    m_focusWatch.disconnect();
+    // The bar leaves its window: whatever was being typed there is gone with it, and nobody is told.
+    if (m_isEditing) {
+        m_isEditing = false;
+        gtk_widget_set_can_target(m_field, FALSE);
+    }
+}
+
+void AddressBar::followFocus()
+{
+    auto* window = GTK_WINDOW(gtk_widget_get_root(m_widget.get()));
+    bool focused = window && gtk_window_get_focus(window) == m_field;
+    if (focused) {
+        beginEditing();
+    } else {
+        endEditing();
+    }
 }
 
 std::string AddressBar::text() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "glib/GObjectPtr.h"
+#include "glib/SignalConnection.h"
 #include "shell/LocationPin.h"
 #include "shell/Themed.h"
 
@@ -60,8 +61,11 @@ public:
     // A press on the bar itself, in its coordinates.
     void click(double x, double y);
 
-    // Internal: the field's "changed" signal, and the widget's vfuncs.
+    // Internal: the field's "changed" signal, the window's focus, and the widget's vfuncs.
     void reportTextChange();
+    void watchFocus();
+    void unwatchFocus();
+    void followFocus();
     void snapshot(GtkSnapshot* snapshot);
     void allocate(int width, int height);
     void measure(GtkOrientation orientation, int forSize, int* minimum, int* natural);
@@ -74,6 +78,7 @@ private:
     LocationPin m_pin;
     bool m_isEditing = false;
     bool m_isSettingText = false;
+    SignalConnection m_focusWatch; // the window's "notify::focus-widget"
     Themed::Token m_themeToken;
 };
 

@@ -161,6 +161,27 @@ TEST_F(AddressBarTest, EditingBeginsWithAllSelectedAndEndsWithACancel)
     EXPECT_FALSE(gtk_widget_get_can_target(bar->field())) << "clicks go to the bar again";
 }
 
+TEST_F(AddressBarTest, LeavingTheWindowEndsEditingQuietly)
+{
+    hostWithNeighbour();
+    bar->focusAndSelectAll();
+    ASSERT_TRUE(runUntil([&] { return bar->isEditing(); }));
+    int reports = 0;
+    bar->onFocusChanged = [&](bool) { ++reports; };
+    bar->onCancel = [&] {
+        ++reports;
+        return true;
+    };
+    g_object_ref(bar->widget());
+    gtk_box_remove(GTK_BOX(box), bar->widget());
+    EXPECT_FALSE(bar->isEditing());
+    EXPECT_EQ(reports, 0) << "the window is the one going away: nothing to tell it";
+    gtk_widget_grab_focus(neighbour);
+    drain();
+    EXPECT_EQ(reports, 0) << "a bar out of its window no longer follows the window's focus";
+    g_object_unref(bar->widget());
+}
+
 TEST_F(AddressBarTest, AClickOutsideThePinStartsEditing)
 {
     struct Row {
