@@ -280,6 +280,31 @@ TEST_F(TabStripTest, TheNewTabButtonAsksForANewTab)
     EXPECT_EQ(frame.size.height, 26);
 }
 
+TEST_F(TabStripTest, BarePartsAreLeftToTheWindowHandle)
+{
+    GtkWidget* handle = gtk_window_handle_new();
+    gtk_window_handle_set_child(GTK_WINDOW_HANDLE(handle), strip->widget());
+    hostIn(handle, strip->widget(), 1000, 28);
+    setTitles({ "A", "B" }, 0);
+    settle(strip->widget());
+    auto ownerAt = [&](double x) {
+        GtkWidget* picked = gtk_widget_pick(handle, x, 14, GTK_PICK_DEFAULT);
+        // The slot's or button's own widget, whatever inner part was hit.
+        while (picked && gtk_widget_get_parent(picked) != strip->widget() && picked != strip->widget()) {
+            picked = gtk_widget_get_parent(picked);
+        }
+        return picked;
+    };
+    EXPECT_EQ(ownerAt(5), strip->widget()) << "left of the first slot";
+    EXPECT_EQ(ownerAt(100), strip->slot(0).widget());
+    EXPECT_EQ(ownerAt(300), strip->slot(1).widget());
+    EXPECT_EQ(ownerAt(430), strip->newTabButton().widget());
+    EXPECT_EQ(ownerAt(700), strip->widget()) << "past the new-tab button";
+    // A press on the strip itself meets no controller of its own and goes on up to the handle.
+    auto controllers = GObjectPtr<GListModel>::adopt(gtk_widget_observe_controllers(strip->widget()));
+    EXPECT_EQ(g_list_model_get_n_items(controllers.get()), 0u);
+}
+
 TEST_F(TabStripTest, SecondaryClickShowsTheTabsMenu)
 {
     host(strip->widget(), 1000, 28);

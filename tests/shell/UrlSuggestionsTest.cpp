@@ -171,6 +171,8 @@ TEST_F(UrlSuggestionsTest, ThePointerHoversAndAcceptsRows)
     list->release(50, 108);
     list->release(450, 45);
     EXPECT_EQ(accepted, std::vector<std::string> { list->entries()[1].url });
+    EXPECT_FALSE(gtk_widget_get_focusable(list->widget())) << "the bar keeps the keyboard";
+    EXPECT_EQ(gtk_accessible_get_accessible_role(GTK_ACCESSIBLE(list->widget())), GTK_ACCESSIBLE_ROLE_LIST);
 }
 
 TEST_F(UrlSuggestionsTest, DrawsSelectedHoveredAndPlainRows)
