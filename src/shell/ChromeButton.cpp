@@ -161,13 +161,23 @@ ChromeButton::~ChromeButton()
 void ChromeButton::setContent(Content content)
 {
     m_content = std::move(content);
+    describe();
     gtk_widget_queue_resize(m_widget.get());
 }
 
 void ChromeButton::setAccessibilityLabel(const std::string& label)
 {
+    m_accessibilityLabel = label;
+    describe();
+}
+
+void ChromeButton::describe()
+{
+    // A button without a label (the wordmark) has no tooltip, and is read out by its text.
+    const std::string& label = m_accessibilityLabel;
     gtk_widget_set_tooltip_text(m_widget.get(), label.empty() ? nullptr : label.c_str());
-    gtk_accessible_update_property(GTK_ACCESSIBLE(m_widget.get()), GTK_ACCESSIBLE_PROPERTY_LABEL, label.c_str(), -1);
+    const std::string& name = label.empty() && !m_content.isSymbol ? m_content.value : label;
+    gtk_accessible_update_property(GTK_ACCESSIBLE(m_widget.get()), GTK_ACCESSIBLE_PROPERTY_LABEL, name.c_str(), -1);
 }
 
 void ChromeButton::setEnabled(bool enabled)

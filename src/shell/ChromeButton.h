@@ -29,7 +29,8 @@ public:
         PangoWeight fontWeight = PANGO_WEIGHT_NORMAL; // text only
     };
 
-    // `accessibilityLabel` is also the tooltip; the accessible role is button.
+    // `accessibilityLabel` is also the tooltip; the accessible role is button. Without a label there is no
+    // tooltip, and a text is its own label.
     ChromeButton(Content content, const std::string& accessibilityLabel);
     ~ChromeButton();
     ChromeButton(const ChromeButton&) = delete;
@@ -78,12 +79,14 @@ public:
     void snapshot(GtkSnapshot* snapshot);
 
 private:
+    void describe();
     bool contains(double x, double y) const;
     Color inkColor() const;
     void redraw();
 
     GObjectPtr<GtkWidget> m_widget;
     Content m_content;
+    std::string m_accessibilityLabel;
     bool m_isEnabled = true;
     double m_symbolPointSize = 13;
     PangoWeight m_symbolWeight = PANGO_WEIGHT_MEDIUM;

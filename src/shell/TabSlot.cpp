@@ -210,11 +210,16 @@ TabSlot::~TabSlot()
 void TabSlot::configure(int index, const std::string& title, bool isActive)
 {
     m_index = index;
-    bool changed = title != m_title || isActive != m_isActive;
+    bool retitled = title != m_title;
+    bool changed = retitled || isActive != m_isActive;
     m_title = title;
     m_isActive = isActive;
-    gtk_widget_set_tooltip_text(m_widget.get(), title.empty() ? nullptr : title.c_str());
-    gtk_accessible_update_property(GTK_ACCESSIBLE(m_widget.get()), GTK_ACCESSIBLE_PROPERTY_LABEL, title.c_str(), -1);
+    // The window re-titles every slot on each refresh; a tooltip set again would be looked up again.
+    if (retitled) {
+        gtk_widget_set_tooltip_text(m_widget.get(), title.empty() ? nullptr : title.c_str());
+        gtk_accessible_update_property(
+            GTK_ACCESSIBLE(m_widget.get()), GTK_ACCESSIBLE_PROPERTY_LABEL, title.c_str(), -1);
+    }
     gtk_accessible_update_state(GTK_ACCESSIBLE(m_widget.get()), GTK_ACCESSIBLE_STATE_SELECTED, isActive, -1);
     applyCloseButtonRule();
     if (changed) {

@@ -259,11 +259,6 @@ TEST_F(AddressBarTest, FieldAndPinLayout)
     EXPECT_EQ(pin.size.height, 22);
 }
 
-TEST_F(AddressBarTest, PlaceholderAndLabel)
-{
-    EXPECT_STREQ(gtk_text_get_placeholder_text(GTK_TEXT(bar->field())), "Search or enter address");
-}
-
 struct ColourCase {
     const char* text;
     const char* field;

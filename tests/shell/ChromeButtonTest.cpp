@@ -173,6 +173,8 @@ TEST_F(ChromeButtonTest, TheLabelIsAlsoTheTooltip)
     EXPECT_STREQ(gtk_widget_get_tooltip_text(button->widget()), "Back");
     button->setAccessibilityLabel("Forward");
     EXPECT_STREQ(gtk_widget_get_tooltip_text(button->widget()), "Forward");
+    ChromeButton wordmark(ChromeButton::Content::text("Velder v0.1.0", 11, PANGO_WEIGHT_SEMIBOLD), "");
+    EXPECT_EQ(gtk_widget_get_tooltip_text(wordmark.widget()), nullptr) << "no label, no tooltip";
 }
 
 TEST_F(ChromeButtonTest, ContentWidthIsTheTextOrTheSymbol)
