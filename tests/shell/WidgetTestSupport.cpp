@@ -172,20 +172,60 @@ void WidgetTest::settle(GtkWidget* widget)
     drain();
 }
 
+namespace {
+
+struct PendingRendering {
+    GtkWidget* widget;
+    Color background;
+    GskRenderNode* node = nullptr;
+    int width = 0;
+    int height = 0;
+};
+
+// Right after a frame was painted, every widget holds the picture it just drew; a moment later a timer
+// (the update slot's spinner) may already have thrown it away for the next frame.
+void takePicture(GdkFrameClock*, gpointer data)
+{
+    auto* pending = static_cast<PendingRendering*>(data);
+    if (pending->node) {
+        return;
+    }
+    pending->width = gtk_widget_get_width(pending->widget);
+    pending->height = gtk_widget_get_height(pending->widget);
+    GtkSnapshot* snapshot = gtk_snapshot_new();
+    GdkRGBA fill = { static_cast<float>(pending->background.red), static_cast<float>(pending->background.green),
+        static_cast<float>(pending->background.blue), 1 };
+    graphene_rect_t area
+        = GRAPHENE_RECT_INIT(0, 0, static_cast<float>(pending->width), static_cast<float>(pending->height));
+    gtk_snapshot_append_color(snapshot, &fill, &area);
+    GdkPaintable* paintable = gtk_widget_paintable_new(pending->widget);
+    gdk_paintable_snapshot(paintable, snapshot, pending->width, pending->height);
+    g_object_unref(paintable);
+    pending->node = gtk_snapshot_free_to_node(snapshot);
+}
+
+} // namespace
+
 Rendering WidgetTest::render(GtkWidget* widget, Color background)
 {
-    settle(widget);
-    int width = gtk_widget_get_width(widget);
-    int height = gtk_widget_get_height(widget);
-    GtkSnapshot* snapshot = gtk_snapshot_new();
-    GdkRGBA fill = { static_cast<float>(background.red), static_cast<float>(background.green),
-        static_cast<float>(background.blue), 1 };
+    PendingRendering pending { widget, background };
+    GdkFrameClock* clock = gtk_widget_get_frame_clock(widget);
+    if (!clock) {
+        ADD_FAILURE() << "the widget isn't in a window";
+        return Rendering(0, 0, {});
+    }
+    gulong handler = g_signal_connect(clock, "after-paint", G_CALLBACK(takePicture), &pending);
+    gtk_widget_queue_draw(widget);
+    bool painted = runUntil([&] { return pending.node != nullptr; });
+    g_signal_handler_disconnect(clock, handler);
+    if (!painted) {
+        ADD_FAILURE() << "the window never painted";
+        return Rendering(0, 0, {});
+    }
+    int width = pending.width;
+    int height = pending.height;
     graphene_rect_t area = GRAPHENE_RECT_INIT(0, 0, static_cast<float>(width), static_cast<float>(height));
-    gtk_snapshot_append_color(snapshot, &fill, &area);
-    GdkPaintable* paintable = gtk_widget_paintable_new(widget);
-    gdk_paintable_snapshot(paintable, snapshot, width, height);
-    g_object_unref(paintable);
-    GskRenderNode* node = gtk_snapshot_free_to_node(snapshot);
+    GskRenderNode* node = pending.node;
 
     GskRenderer* renderer = gsk_cairo_renderer_new();
     GError* error = nullptr;

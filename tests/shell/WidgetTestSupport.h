@@ -71,7 +71,7 @@ protected:
 
     // Lets a frame pass, so that what a change queued is laid out.
     void settle(GtkWidget* widget);
-    // Renders the widget after the next frame, over `background`.
+    // Renders the widget as the next frame paints it, over `background`.
     Rendering render(GtkWidget* widget, Color background = Color::fromHex(0xFF00FF));
 
     // Runs the main loop until the condition holds or the time is up; returns the last answer.
