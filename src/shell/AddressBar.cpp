@@ -2,62 +2,38 @@
 
 #include "core/Palette.h"
 #include "shell/Drawing.h"
+#include "shell/FieldEvents.h"
 #include "shell/FieldStyle.h"
+#include "shell/OwnedWidget.h"
 
 #include <algorithm>
 #include <cmath>
 
-struct VelderAddressBar {
-    GtkWidget parent;
-    velder::AddressBar* owner;
-};
-struct VelderAddressBarClass {
-    GtkWidgetClass parent;
-};
+using VelderAddressBar = velder::OwnedWidget<velder::AddressBar>;
+using VelderAddressBarClass = GtkWidgetClass;
 G_DEFINE_TYPE(VelderAddressBar, velder_address_bar, GTK_TYPE_WIDGET)
 
 namespace {
-
-velder::AddressBar* ownerOf(gpointer widget)
-{
-    return reinterpret_cast<VelderAddressBar*>(widget)->owner;
-}
-
-void barSnapshot(GtkWidget* widget, GtkSnapshot* snapshot)
-{
-    if (auto* bar = ownerOf(widget)) {
-        bar->snapshot(snapshot);
-    }
-}
 
 void barMeasure(GtkWidget* widget, GtkOrientation orientation, int forSize, int* minimum, int* natural, int* baseline,
     int* naturalBaseline)
 {
     *minimum = *natural = 0;
     *baseline = *naturalBaseline = -1;
-    if (auto* bar = ownerOf(widget)) {
+    if (auto* bar = velder::ownerOf<velder::AddressBar>(widget)) {
         bar->measure(orientation, forSize, minimum, natural);
-    }
-}
-
-void barSizeAllocate(GtkWidget* widget, int width, int height, int)
-{
-    if (auto* bar = ownerOf(widget)) {
-        bar->allocate(width, height);
     }
 }
 
 void barDispose(GObject* object)
 {
-    while (GtkWidget* child = gtk_widget_get_first_child(GTK_WIDGET(object))) {
-        gtk_widget_unparent(child);
-    }
+    velder::unparentChildren(GTK_WIDGET(object));
     G_OBJECT_CLASS(velder_address_bar_parent_class)->dispose(object);
 }
 
 void barPressed(GtkGestureClick*, int, double x, double y, gpointer widget)
 {
-    if (auto* bar = ownerOf(widget)) {
+    if (auto* bar = velder::ownerOf<velder::AddressBar>(widget)) {
         bar->click(x, y);
     }
 }
@@ -65,43 +41,29 @@ void barPressed(GtkGestureClick*, int, double x, double y, gpointer widget)
 void barRoot(GtkWidget* widget)
 {
     GTK_WIDGET_CLASS(velder_address_bar_parent_class)->root(widget);
-    if (auto* bar = ownerOf(widget)) {
+    if (auto* bar = velder::ownerOf<velder::AddressBar>(widget)) {
         bar->watchFocus();
     }
 }
 
 void barUnroot(GtkWidget* widget)
 {
-    if (auto* bar = ownerOf(widget)) {
+    if (auto* bar = velder::ownerOf<velder::AddressBar>(widget)) {
         bar->unwatchFocus();
     }
     GTK_WIDGET_CLASS(velder_address_bar_parent_class)->unroot(widget);
 }
 
-void textChanged(GtkEditable*, gpointer widget)
-{
-    if (auto* bar = ownerOf(widget)) {
-        bar->reportTextChange();
-    }
-}
-
-gboolean keyPressed(GtkEventControllerKey*, guint keyval, guint, GdkModifierType state, gpointer widget)
-{
-    auto* bar = ownerOf(widget);
-    return bar && bar->handleKey(keyval, state);
-}
-
 } // namespace
 
-static void velder_address_bar_class_init(VelderAddressBarClass* klass)
+static void velder_address_bar_class_init(VelderAddressBarClass* widgetClass)
 {
-    GtkWidgetClass* widgetClass = GTK_WIDGET_CLASS(klass);
-    widgetClass->snapshot = barSnapshot;
+    widgetClass->snapshot = velder::snapshotByOwner<velder::AddressBar>;
     widgetClass->measure = barMeasure;
-    widgetClass->size_allocate = barSizeAllocate;
+    widgetClass->size_allocate = velder::allocateByOwner<velder::AddressBar>;
     widgetClass->root = barRoot;
     widgetClass->unroot = barUnroot;
-    G_OBJECT_CLASS(klass)->dispose = barDispose;
+    G_OBJECT_CLASS(widgetClass)->dispose = barDispose;
     gtk_widget_class_set_css_name(widgetClass, "addressbar");
     gtk_widget_class_set_accessible_role(widgetClass, GTK_ACCESSIBLE_ROLE_GROUP);
 }
@@ -122,7 +84,7 @@ namespace velder {
 AddressBar::AddressBar()
     : m_widget(GObjectPtr<GtkWidget>::adopt(GTK_WIDGET(g_object_new(velder_address_bar_get_type(), nullptr))))
 {
-    reinterpret_cast<VelderAddressBar*>(m_widget.get())->owner = this;
+    setOwner(m_widget.get(), this);
 
     m_field = gtk_text_new();
     gtk_text_set_placeholder_text(GTK_TEXT(m_field), placeholder);
@@ -134,20 +96,14 @@ AddressBar::AddressBar()
     gtk_widget_set_parent(m_field, m_widget.get());
     gtk_widget_set_parent(m_pin.widget(), m_widget.get());
 
-    // The capture phase sees the keys before the text does, which would take Up, Down and Return itself.
-    GtkEventController* keys = gtk_event_controller_key_new();
-    gtk_event_controller_set_propagation_phase(keys, GTK_PHASE_CAPTURE);
-    g_signal_connect(keys, "key-pressed", G_CALLBACK(keyPressed), m_widget.get());
-    gtk_widget_add_controller(m_field, keys);
-
-    g_signal_connect(m_field, "changed", G_CALLBACK(textChanged), m_widget.get());
+    listenToField<AddressBar>(m_field, m_widget.get());
 
     m_themeToken = Themed::subscribeToTheme(m_widget.get(), [this] { applyTheme(); });
 }
 
 AddressBar::~AddressBar()
 {
-    reinterpret_cast<VelderAddressBar*>(m_widget.get())->owner = nullptr;
+    setOwner<AddressBar>(m_widget.get(), nullptr);
 }
 
 // Editing follows the window's focus widget rather than the field's focus events: those also come when
@@ -160,7 +116,7 @@ void AddressBar::watchFocus()
     }
     m_focusWatch
         = SignalConnection(root, "notify::focus-widget", G_CALLBACK(+[](GObject*, GParamSpec*, gpointer widget) {
-              if (auto* bar = ownerOf(widget)) {
+              if (auto* bar = velder::ownerOf<velder::AddressBar>(widget)) {
                   bar->followFocus();
               }
           }),

@@ -3,38 +3,25 @@
 #include "core/Palette.h"
 #include "core/Theme.h"
 #include "shell/Drawing.h"
+#include "shell/OwnedWidget.h"
 #include "shell/PopupMenu.h"
+#include "shell/PressGesture.h"
 #include "shell/SymbolCache.h"
 
 #include <cmath>
 
-struct VelderChromeButton {
-    GtkWidget parent;
-    velder::ChromeButton* owner;
-};
-struct VelderChromeButtonClass {
-    GtkWidgetClass parent;
-};
+using VelderChromeButton = velder::OwnedWidget<velder::ChromeButton>;
+using VelderChromeButtonClass = GtkWidgetClass;
 G_DEFINE_TYPE(VelderChromeButton, velder_chrome_button, GTK_TYPE_WIDGET)
 
 namespace {
 
-velder::ChromeButton* ownerOf(gpointer widget)
-{
-    return reinterpret_cast<VelderChromeButton*>(widget)->owner;
-}
-
-void buttonSnapshot(GtkWidget* widget, GtkSnapshot* snapshot)
-{
-    if (auto* button = ownerOf(widget)) {
-        button->snapshot(snapshot);
-    }
-}
+using velder::ChromeButton;
 
 void buttonMeasure(GtkWidget* widget, GtkOrientation orientation, int, int* minimum, int* natural, int*, int*)
 {
     int size = 0;
-    if (auto* button = ownerOf(widget)) {
+    if (auto* button = velder::ownerOf<ChromeButton>(widget)) {
         if (orientation == GTK_ORIENTATION_HORIZONTAL) {
             size = static_cast<int>(std::ceil(button->contentWidth()));
         } else if (button->content().isSymbol) {
@@ -55,70 +42,32 @@ void buttonSizeAllocate(GtkWidget* widget, int, int, int)
 
 void buttonDispose(GObject* object)
 {
-    velder::PopupMenu::unparent(GTK_WIDGET(object));
-    while (GtkWidget* child = gtk_widget_get_first_child(GTK_WIDGET(object))) {
-        gtk_widget_unparent(child);
-    }
+    velder::unparentChildren(GTK_WIDGET(object));
     G_OBJECT_CLASS(velder_chrome_button_parent_class)->dispose(object);
 }
 
 void entered(GtkEventControllerMotion*, double, double, gpointer widget)
 {
-    if (auto* button = ownerOf(widget)) {
+    if (auto* button = velder::ownerOf<ChromeButton>(widget)) {
         button->pointerEntered();
     }
 }
 
 void left(GtkEventControllerMotion*, gpointer widget)
 {
-    if (auto* button = ownerOf(widget)) {
+    if (auto* button = velder::ownerOf<ChromeButton>(widget)) {
         button->pointerLeft();
-    }
-}
-
-void dragBegan(GtkGestureDrag* gesture, double, double, gpointer widget)
-{
-    // Claimed, so that a press on a button in the title bar never drags the window.
-    gtk_gesture_set_state(GTK_GESTURE(gesture), GTK_EVENT_SEQUENCE_CLAIMED);
-    if (auto* button = ownerOf(widget)) {
-        button->press();
-    }
-}
-
-void dragUpdated(GtkGestureDrag* gesture, double dx, double dy, gpointer widget)
-{
-    double x = 0, y = 0;
-    gtk_gesture_drag_get_start_point(gesture, &x, &y);
-    if (auto* button = ownerOf(widget)) {
-        button->pointerMoved(x + dx, y + dy);
-    }
-}
-
-void dragEnded(GtkGestureDrag* gesture, double dx, double dy, gpointer widget)
-{
-    double x = 0, y = 0;
-    gtk_gesture_drag_get_start_point(gesture, &x, &y);
-    if (auto* button = ownerOf(widget)) {
-        button->release(x + dx, y + dy);
-    }
-}
-
-void dragCancelled(GtkGesture*, GdkEventSequence*, gpointer widget)
-{
-    if (auto* button = ownerOf(widget)) {
-        button->cancelPress();
     }
 }
 
 } // namespace
 
-static void velder_chrome_button_class_init(VelderChromeButtonClass* klass)
+static void velder_chrome_button_class_init(VelderChromeButtonClass* widgetClass)
 {
-    GtkWidgetClass* widgetClass = GTK_WIDGET_CLASS(klass);
-    widgetClass->snapshot = buttonSnapshot;
+    widgetClass->snapshot = velder::snapshotByOwner<ChromeButton>;
     widgetClass->measure = buttonMeasure;
     widgetClass->size_allocate = buttonSizeAllocate;
-    G_OBJECT_CLASS(klass)->dispose = buttonDispose;
+    G_OBJECT_CLASS(widgetClass)->dispose = buttonDispose;
     gtk_widget_class_set_css_name(widgetClass, "chromebutton");
     gtk_widget_class_set_accessible_role(widgetClass, GTK_ACCESSIBLE_ROLE_BUTTON);
 }
@@ -131,13 +80,7 @@ static void velder_chrome_button_init(VelderChromeButton* self)
     g_signal_connect(motion, "leave", G_CALLBACK(left), self);
     gtk_widget_add_controller(widget, motion);
 
-    GtkGesture* drag = gtk_gesture_drag_new();
-    gtk_gesture_single_set_button(GTK_GESTURE_SINGLE(drag), GDK_BUTTON_PRIMARY);
-    g_signal_connect(drag, "drag-begin", G_CALLBACK(dragBegan), self);
-    g_signal_connect(drag, "drag-update", G_CALLBACK(dragUpdated), self);
-    g_signal_connect(drag, "drag-end", G_CALLBACK(dragEnded), self);
-    g_signal_connect(drag, "cancel", G_CALLBACK(dragCancelled), self);
-    gtk_widget_add_controller(widget, GTK_EVENT_CONTROLLER(drag));
+    velder::addPressGesture<ChromeButton>(widget);
     gtk_widget_set_focusable(widget, FALSE);
 }
 
@@ -147,7 +90,7 @@ ChromeButton::ChromeButton(Content content, const std::string& accessibilityLabe
     : m_widget(GObjectPtr<GtkWidget>::adopt(GTK_WIDGET(g_object_new(velder_chrome_button_get_type(), nullptr))))
     , m_content(std::move(content))
 {
-    reinterpret_cast<VelderChromeButton*>(m_widget.get())->owner = this;
+    setOwner(m_widget.get(), this);
     setAccessibilityLabel(accessibilityLabel);
     // The ink is read at each draw; a theme change only has to redraw.
     m_themeToken = Themed::subscribeToTheme(m_widget.get(), nullptr);
@@ -155,7 +98,7 @@ ChromeButton::ChromeButton(Content content, const std::string& accessibilityLabe
 
 ChromeButton::~ChromeButton()
 {
-    reinterpret_cast<VelderChromeButton*>(m_widget.get())->owner = nullptr;
+    setOwner<ChromeButton>(m_widget.get(), nullptr);
 }
 
 void ChromeButton::setContent(Content content)
@@ -256,7 +199,7 @@ void ChromeButton::press()
         // The menu is the widget's child, so the widget outlives it; its owner may not.
         GtkWidget* widget = m_widget.get();
         PopupMenu::popup(widget, menu.get(), 0, gtk_widget_get_height(widget) + 4, [widget] {
-            if (auto* button = ownerOf(widget)) {
+            if (auto* button = ownerOf<ChromeButton>(widget)) {
                 button->m_isPressed = false;
                 button->redraw();
             }
@@ -271,7 +214,7 @@ void ChromeButton::pointerMoved(double x, double y)
     if (!m_isTracking) {
         return;
     }
-    bool inside = contains(x, y);
+    bool inside = Drawing::contains(m_widget.get(), x, y);
     if (inside != m_isPressed) {
         m_isPressed = inside;
         redraw();
@@ -286,7 +229,7 @@ void ChromeButton::release(double x, double y)
     m_isTracking = false;
     m_isPressed = false;
     redraw();
-    if (contains(x, y) && onClick) {
+    if (Drawing::contains(m_widget.get(), x, y) && onClick) {
         auto click = onClick;
         click();
     }
@@ -299,11 +242,6 @@ void ChromeButton::cancelPress()
         m_isPressed = false;
         redraw();
     }
-}
-
-bool ChromeButton::contains(double x, double y) const
-{
-    return x >= 0 && y >= 0 && x < gtk_widget_get_width(m_widget.get()) && y < gtk_widget_get_height(m_widget.get());
 }
 
 Color ChromeButton::inkColor() const

@@ -80,7 +80,6 @@ public:
 
 private:
     void describe();
-    bool contains(double x, double y) const;
     Color inkColor() const;
     void redraw();
 

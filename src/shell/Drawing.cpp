@@ -100,6 +100,11 @@ void drawLayout(GtkSnapshot* snapshot, PangoLayout* layout, double x, double y, 
     gtk_snapshot_restore(snapshot);
 }
 
+bool contains(GtkWidget* widget, double x, double y)
+{
+    return x >= 0 && y >= 0 && x < gtk_widget_get_width(widget) && y < gtk_widget_get_height(widget);
+}
+
 graphene_rect_t rect(double x, double y, double width, double height)
 {
     return GRAPHENE_RECT_INIT(static_cast<float>(x), static_cast<float>(y), static_cast<float>(std::max(width, 0.0)),

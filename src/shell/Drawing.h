@@ -34,6 +34,9 @@ GObjectPtr<PangoLayout> textLayout(GtkWidget* widget, std::string_view text, dou
 graphene_size_t layoutSize(PangoLayout* layout);
 void drawLayout(GtkSnapshot* snapshot, PangoLayout* layout, double x, double y, Color color);
 
+// Whether (x, y), in the widget's coordinates, lies within its bounds.
+bool contains(GtkWidget* widget, double x, double y);
+
 graphene_rect_t rect(double x, double y, double width, double height);
 graphene_rect_t bounds(GtkWidget* widget);
 graphene_rect_t inset(const graphene_rect_t& rect, double dx, double dy);

@@ -3,76 +3,38 @@
 #include "core/Palette.h"
 #include "core/Theme.h"
 #include "shell/Drawing.h"
+#include "shell/FieldEvents.h"
 #include "shell/FieldStyle.h"
+#include "shell/OwnedWidget.h"
 
 #include <algorithm>
 #include <cmath>
 
-struct VelderFindBar {
-    GtkWidget parent;
-    velder::FindBar* owner;
-};
-struct VelderFindBarClass {
-    GtkWidgetClass parent;
-};
+using VelderFindBar = velder::OwnedWidget<velder::FindBar>;
+using VelderFindBarClass = GtkWidgetClass;
 G_DEFINE_TYPE(VelderFindBar, velder_find_bar, GTK_TYPE_WIDGET)
 
 namespace {
-
-velder::FindBar* ownerOf(gpointer widget)
-{
-    return reinterpret_cast<VelderFindBar*>(widget)->owner;
-}
-
-void barSnapshot(GtkWidget* widget, GtkSnapshot* snapshot)
-{
-    if (auto* bar = ownerOf(widget)) {
-        bar->snapshot(snapshot);
-    }
-}
 
 void barMeasure(GtkWidget*, GtkOrientation orientation, int, int* minimum, int* natural, int*, int*)
 {
     *minimum = *natural = orientation == GTK_ORIENTATION_HORIZONTAL ? velder::FindBar::width : velder::FindBar::height;
 }
 
-void barSizeAllocate(GtkWidget* widget, int width, int height, int)
-{
-    if (auto* bar = ownerOf(widget)) {
-        bar->allocate(width, height);
-    }
-}
-
 void barDispose(GObject* object)
 {
-    while (GtkWidget* child = gtk_widget_get_first_child(GTK_WIDGET(object))) {
-        gtk_widget_unparent(child);
-    }
+    velder::unparentChildren(GTK_WIDGET(object));
     G_OBJECT_CLASS(velder_find_bar_parent_class)->dispose(object);
-}
-
-void textChanged(GtkEditable*, gpointer widget)
-{
-    if (auto* bar = ownerOf(widget)) {
-        bar->reportTextChange();
-    }
-}
-
-gboolean keyPressed(GtkEventControllerKey*, guint keyval, guint, GdkModifierType state, gpointer widget)
-{
-    auto* bar = ownerOf(widget);
-    return bar && bar->handleKey(keyval, state);
 }
 
 } // namespace
 
-static void velder_find_bar_class_init(VelderFindBarClass* klass)
+static void velder_find_bar_class_init(VelderFindBarClass* widgetClass)
 {
-    GtkWidgetClass* widgetClass = GTK_WIDGET_CLASS(klass);
-    widgetClass->snapshot = barSnapshot;
+    widgetClass->snapshot = velder::snapshotByOwner<velder::FindBar>;
     widgetClass->measure = barMeasure;
-    widgetClass->size_allocate = barSizeAllocate;
-    G_OBJECT_CLASS(klass)->dispose = barDispose;
+    widgetClass->size_allocate = velder::allocateByOwner<velder::FindBar>;
+    G_OBJECT_CLASS(widgetClass)->dispose = barDispose;
     gtk_widget_class_set_css_name(widgetClass, "findbar");
     gtk_widget_class_set_accessible_role(widgetClass, GTK_ACCESSIBLE_ROLE_SEARCH);
 }
@@ -90,7 +52,7 @@ FindBar::FindBar()
     , m_closeButton(ChromeButton::Content::symbol("window-close-symbolic"), "Close Find Bar")
 {
     GtkWidget* widget = m_widget.get();
-    reinterpret_cast<VelderFindBar*>(widget)->owner = this;
+    setOwner(widget, this);
     gtk_widget_set_visible(widget, FALSE);
 
     m_field = gtk_text_new();
@@ -134,18 +96,14 @@ FindBar::FindBar()
         }
     };
 
-    GtkEventController* keys = gtk_event_controller_key_new();
-    gtk_event_controller_set_propagation_phase(keys, GTK_PHASE_CAPTURE);
-    g_signal_connect(keys, "key-pressed", G_CALLBACK(keyPressed), widget);
-    gtk_widget_add_controller(m_field, keys);
-    g_signal_connect(m_field, "changed", G_CALLBACK(textChanged), widget);
+    listenToField<FindBar>(m_field, widget);
 
     m_themeToken = Themed::subscribeToTheme(widget, [this] { applyTheme(); });
 }
 
 FindBar::~FindBar()
 {
-    reinterpret_cast<VelderFindBar*>(m_widget.get())->owner = nullptr;
+    setOwner<FindBar>(m_widget.get(), nullptr);
 }
 
 std::string FindBar::text() const

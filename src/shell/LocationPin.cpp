@@ -2,33 +2,19 @@
 
 #include "core/Theme.h"
 #include "shell/Drawing.h"
+#include "shell/OwnedWidget.h"
 #include "shell/PopupMenu.h"
 #include "shell/SymbolCache.h"
 
 #include <cmath>
 
-struct VelderLocationPin {
-    GtkWidget parent;
-    velder::LocationPin* owner;
-};
-struct VelderLocationPinClass {
-    GtkWidgetClass parent;
-};
+using VelderLocationPin = velder::OwnedWidget<velder::LocationPin>;
+using VelderLocationPinClass = GtkWidgetClass;
 G_DEFINE_TYPE(VelderLocationPin, velder_location_pin, GTK_TYPE_WIDGET)
 
 namespace {
 
-velder::LocationPin* ownerOf(gpointer widget)
-{
-    return reinterpret_cast<VelderLocationPin*>(widget)->owner;
-}
-
-void pinSnapshot(GtkWidget* widget, GtkSnapshot* snapshot)
-{
-    if (auto* pin = ownerOf(widget)) {
-        pin->snapshot(snapshot);
-    }
-}
+using velder::LocationPin;
 
 void pinMeasure(GtkWidget*, GtkOrientation, int, int* minimum, int* natural, int*, int*)
 {
@@ -42,10 +28,7 @@ void pinSizeAllocate(GtkWidget* widget, int, int, int)
 
 void pinDispose(GObject* object)
 {
-    velder::PopupMenu::unparent(GTK_WIDGET(object));
-    while (GtkWidget* child = gtk_widget_get_first_child(GTK_WIDGET(object))) {
-        gtk_widget_unparent(child);
-    }
+    velder::unparentChildren(GTK_WIDGET(object));
     G_OBJECT_CLASS(velder_location_pin_parent_class)->dispose(object);
 }
 
@@ -53,20 +36,19 @@ void pressed(GtkGestureClick* gesture, int, double, double, gpointer widget)
 {
     // The pin's press is its own: the address bar under it must not start editing.
     gtk_gesture_set_state(GTK_GESTURE(gesture), GTK_EVENT_SEQUENCE_CLAIMED);
-    if (auto* pin = ownerOf(widget)) {
+    if (auto* pin = velder::ownerOf<LocationPin>(widget)) {
         pin->press();
     }
 }
 
 } // namespace
 
-static void velder_location_pin_class_init(VelderLocationPinClass* klass)
+static void velder_location_pin_class_init(VelderLocationPinClass* widgetClass)
 {
-    GtkWidgetClass* widgetClass = GTK_WIDGET_CLASS(klass);
-    widgetClass->snapshot = pinSnapshot;
+    widgetClass->snapshot = velder::snapshotByOwner<LocationPin>;
     widgetClass->measure = pinMeasure;
     widgetClass->size_allocate = pinSizeAllocate;
-    G_OBJECT_CLASS(klass)->dispose = pinDispose;
+    G_OBJECT_CLASS(widgetClass)->dispose = pinDispose;
     gtk_widget_class_set_css_name(widgetClass, "locationpin");
     gtk_widget_class_set_accessible_role(widgetClass, GTK_ACCESSIBLE_ROLE_BUTTON);
 }
@@ -87,14 +69,14 @@ namespace velder {
 LocationPin::LocationPin()
     : m_widget(GObjectPtr<GtkWidget>::adopt(GTK_WIDGET(g_object_new(velder_location_pin_get_type(), nullptr))))
 {
-    reinterpret_cast<VelderLocationPin*>(m_widget.get())->owner = this;
+    setOwner(m_widget.get(), this);
     gtk_widget_set_visible(m_widget.get(), FALSE);
     describe();
 }
 
 LocationPin::~LocationPin()
 {
-    reinterpret_cast<VelderLocationPin*>(m_widget.get())->owner = nullptr;
+    setOwner<LocationPin>(m_widget.get(), nullptr);
 }
 
 void LocationPin::setLit(bool lit)

@@ -3,62 +3,42 @@
 #include "core/Palette.h"
 #include "core/Theme.h"
 #include "shell/Drawing.h"
+#include "shell/OwnedWidget.h"
 #include "shell/PopupMenu.h"
 #include "shell/TabStrip.h"
 
 #include <cmath>
 
-struct VelderTabSlot {
-    GtkWidget parent;
-    velder::TabSlot* owner;
-    velder::TabStrip* strip;
-};
-struct VelderTabSlotClass {
-    GtkWidgetClass parent;
-};
+using VelderTabSlot = velder::OwnedWidget<velder::TabSlot>;
+using VelderTabSlotClass = GtkWidgetClass;
 G_DEFINE_TYPE(VelderTabSlot, velder_tab_slot, GTK_TYPE_WIDGET)
 
 namespace {
 
-VelderTabSlot* instance(gpointer widget)
-{
-    return reinterpret_cast<VelderTabSlot*>(widget);
-}
+using velder::TabSlot;
 
-void slotSnapshot(GtkWidget* widget, GtkSnapshot* snapshot)
+void slotSizeAllocate(GtkWidget* widget, int width, int height, int baseline)
 {
-    if (auto* slot = instance(widget)->owner) {
-        slot->snapshot(snapshot);
-    }
-}
-
-void slotSizeAllocate(GtkWidget* widget, int width, int height, int)
-{
-    if (auto* slot = instance(widget)->owner) {
-        slot->allocate(width, height);
-    }
+    velder::allocateByOwner<TabSlot>(widget, width, height, baseline);
     velder::PopupMenu::presentAll(widget);
 }
 
 void slotDispose(GObject* object)
 {
-    velder::PopupMenu::unparent(GTK_WIDGET(object));
-    while (GtkWidget* child = gtk_widget_get_first_child(GTK_WIDGET(object))) {
-        gtk_widget_unparent(child);
-    }
+    velder::unparentChildren(GTK_WIDGET(object));
     G_OBJECT_CLASS(velder_tab_slot_parent_class)->dispose(object);
 }
 
 void entered(GtkEventControllerMotion*, double, double, gpointer widget)
 {
-    if (auto* slot = instance(widget)->owner) {
+    if (auto* slot = velder::ownerOf<TabSlot>(widget)) {
         slot->pointerEntered();
     }
 }
 
 void left(GtkEventControllerMotion*, gpointer widget)
 {
-    if (auto* slot = instance(widget)->owner) {
+    if (auto* slot = velder::ownerOf<TabSlot>(widget)) {
         slot->pointerLeft();
     }
 }
@@ -85,27 +65,24 @@ void dragBegan(GtkGestureDrag* gesture, double, double, gpointer widget)
 {
     // A press on a slot is the strip's: it must not drag the window.
     gtk_gesture_set_state(GTK_GESTURE(gesture), GTK_EVENT_SEQUENCE_CLAIMED);
-    auto* self = instance(widget);
     auto x = pointerXInStrip(GTK_GESTURE(gesture), GTK_WIDGET(widget));
-    if (self->owner && self->strip && x) {
-        self->strip->beginPress(self->owner->index(), *x);
+    if (auto* slot = velder::ownerOf<TabSlot>(widget); slot && x) {
+        slot->strip().beginPress(slot->index(), *x);
     }
 }
 
 void dragUpdated(GtkGestureDrag* gesture, double, double, gpointer widget)
 {
-    auto* self = instance(widget);
     auto x = pointerXInStrip(GTK_GESTURE(gesture), GTK_WIDGET(widget));
-    if (self->owner && self->strip && x) {
-        self->strip->dragPointer(*x);
+    if (auto* slot = velder::ownerOf<TabSlot>(widget); slot && x) {
+        slot->strip().dragPointer(*x);
     }
 }
 
 void dragEnded(GtkGestureDrag*, double, double, gpointer widget)
 {
-    auto* self = instance(widget);
-    if (self->owner && self->strip) {
-        self->strip->endPress();
+    if (auto* slot = velder::ownerOf<TabSlot>(widget)) {
+        slot->strip().endPress();
     }
 }
 
@@ -121,7 +98,7 @@ void claim(GtkGestureClick* gesture, int, double, double, gpointer)
 
 void middleReleased(GtkGestureClick*, int, double x, double y, gpointer widget)
 {
-    if (auto* slot = instance(widget)->owner) {
+    if (auto* slot = velder::ownerOf<TabSlot>(widget)) {
         slot->middleButtonReleased(x, y);
     }
 }
@@ -129,19 +106,18 @@ void middleReleased(GtkGestureClick*, int, double x, double y, gpointer widget)
 void secondaryPressed(GtkGestureClick* gesture, int, double x, double y, gpointer widget)
 {
     claim(gesture, 0, x, y, widget);
-    if (auto* slot = instance(widget)->owner) {
+    if (auto* slot = velder::ownerOf<TabSlot>(widget)) {
         slot->openContextMenu(x, y);
     }
 }
 
 } // namespace
 
-static void velder_tab_slot_class_init(VelderTabSlotClass* klass)
+static void velder_tab_slot_class_init(VelderTabSlotClass* widgetClass)
 {
-    GtkWidgetClass* widgetClass = GTK_WIDGET_CLASS(klass);
-    widgetClass->snapshot = slotSnapshot;
+    widgetClass->snapshot = velder::snapshotByOwner<TabSlot>;
     widgetClass->size_allocate = slotSizeAllocate;
-    G_OBJECT_CLASS(klass)->dispose = slotDispose;
+    G_OBJECT_CLASS(widgetClass)->dispose = slotDispose;
     gtk_widget_class_set_css_name(widgetClass, "tabslot");
     gtk_widget_class_set_accessible_role(widgetClass, GTK_ACCESSIBLE_ROLE_TAB);
 }
@@ -181,9 +157,7 @@ TabSlot::TabSlot(TabStrip& strip)
     , m_strip(strip)
     , m_closeButton(ChromeButton::Content::symbol("window-close-symbolic"), "Close Tab")
 {
-    auto* self = instance(m_widget.get());
-    self->owner = this;
-    self->strip = &strip;
+    setOwner(m_widget.get(), this);
 
     m_closeButton.setSymbolPointSize(9);
     m_closeButton.setSymbolWeight(PANGO_WEIGHT_SEMIBOLD);
@@ -202,9 +176,7 @@ TabSlot::TabSlot(TabStrip& strip)
 
 TabSlot::~TabSlot()
 {
-    auto* self = instance(m_widget.get());
-    self->owner = nullptr;
-    self->strip = nullptr;
+    setOwner<TabSlot>(m_widget.get(), nullptr);
 }
 
 void TabSlot::configure(int index, const std::string& title, bool isActive)
@@ -263,9 +235,7 @@ void TabSlot::pointerLeft()
 
 void TabSlot::middleButtonReleased(double x, double y)
 {
-    bool inside
-        = x >= 0 && y >= 0 && x < gtk_widget_get_width(m_widget.get()) && y < gtk_widget_get_height(m_widget.get());
-    if (inside) {
+    if (Drawing::contains(m_widget.get(), x, y)) {
         if (auto close = m_strip.onClose) {
             close(m_index);
         }

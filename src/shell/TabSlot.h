@@ -24,6 +24,7 @@ public:
 
     GtkWidget* widget() const { return m_widget.get(); }
 
+    TabStrip& strip() const { return m_strip; }
     int index() const { return m_index; }
     const std::string& title() const { return m_title; }
     bool isActive() const { return m_isActive; }

@@ -3,40 +3,17 @@
 #include "core/Palette.h"
 #include "core/Theme.h"
 #include "shell/Drawing.h"
+#include "shell/OwnedWidget.h"
 #include "shell/TabSlot.h"
 
 #include <algorithm>
 #include <cmath>
 
-struct VelderTabStrip {
-    GtkWidget parent;
-    velder::TabStrip* owner;
-};
-struct VelderTabStripClass {
-    GtkWidgetClass parent;
-};
+using VelderTabStrip = velder::OwnedWidget<velder::TabStrip>;
+using VelderTabStripClass = GtkWidgetClass;
 G_DEFINE_TYPE(VelderTabStrip, velder_tab_strip, GTK_TYPE_WIDGET)
 
 namespace {
-
-velder::TabStrip* ownerOf(gpointer widget)
-{
-    return reinterpret_cast<VelderTabStrip*>(widget)->owner;
-}
-
-void stripSnapshot(GtkWidget* widget, GtkSnapshot* snapshot)
-{
-    if (auto* strip = ownerOf(widget)) {
-        strip->snapshot(snapshot);
-    }
-}
-
-void stripSizeAllocate(GtkWidget* widget, int width, int height, int)
-{
-    if (auto* strip = ownerOf(widget)) {
-        strip->allocate(width, height);
-    }
-}
 
 void stripMeasure(GtkWidget*, GtkOrientation orientation, int, int* minimum, int* natural, int*, int*)
 {
@@ -51,21 +28,18 @@ void stripMeasure(GtkWidget*, GtkOrientation orientation, int, int* minimum, int
 
 void stripDispose(GObject* object)
 {
-    while (GtkWidget* child = gtk_widget_get_first_child(GTK_WIDGET(object))) {
-        gtk_widget_unparent(child);
-    }
+    velder::unparentChildren(GTK_WIDGET(object));
     G_OBJECT_CLASS(velder_tab_strip_parent_class)->dispose(object);
 }
 
 } // namespace
 
-static void velder_tab_strip_class_init(VelderTabStripClass* klass)
+static void velder_tab_strip_class_init(VelderTabStripClass* widgetClass)
 {
-    GtkWidgetClass* widgetClass = GTK_WIDGET_CLASS(klass);
-    widgetClass->snapshot = stripSnapshot;
-    widgetClass->size_allocate = stripSizeAllocate;
+    widgetClass->snapshot = velder::snapshotByOwner<velder::TabStrip>;
+    widgetClass->size_allocate = velder::allocateByOwner<velder::TabStrip>;
     widgetClass->measure = stripMeasure;
-    G_OBJECT_CLASS(klass)->dispose = stripDispose;
+    G_OBJECT_CLASS(widgetClass)->dispose = stripDispose;
     gtk_widget_class_set_css_name(widgetClass, "tabstrip");
     gtk_widget_class_set_accessible_role(widgetClass, GTK_ACCESSIBLE_ROLE_TAB_LIST);
 }
@@ -82,7 +56,7 @@ TabStrip::TabStrip()
     : m_widget(GObjectPtr<GtkWidget>::adopt(GTK_WIDGET(g_object_new(velder_tab_strip_get_type(), nullptr))))
     , m_newTabButton(ChromeButton::Content::symbol("list-add-symbolic"), "New Tab")
 {
-    reinterpret_cast<VelderTabStrip*>(m_widget.get())->owner = this;
+    setOwner(m_widget.get(), this);
     m_newTabButton.ink = [] { return Theme::readable(Palette::passiveColor(), Palette::borderColor()); };
     m_newTabButton.onClick = [this] {
         if (auto newTab = onNewTab) {
@@ -95,7 +69,7 @@ TabStrip::TabStrip()
 
 TabStrip::~TabStrip()
 {
-    reinterpret_cast<VelderTabStrip*>(m_widget.get())->owner = nullptr;
+    setOwner<TabStrip>(m_widget.get(), nullptr);
 }
 
 void TabStrip::setLeadingInset(double inset)

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "glib/GObjectPtr.h"
-#include "shell/Themed.h"
+#include "shell/PaintedBox.h"
 
 #include <gtk/gtk.h>
 
@@ -15,19 +14,12 @@ public:
     static constexpr int minimumHeight = 28;
 
     TitlebarRow();
-    ~TitlebarRow();
-    TitlebarRow(const TitlebarRow&) = delete;
-    TitlebarRow& operator=(const TitlebarRow&) = delete;
 
-    GtkWidget* widget() const { return m_widget.get(); }
-    void append(GtkWidget* child) { gtk_box_append(GTK_BOX(m_widget.get()), child); }
-
-    // Internal: draws the background under the children.
-    void snapshotBackground(GtkSnapshot* snapshot);
+    GtkWidget* widget() const { return m_box.widget(); }
+    void append(GtkWidget* child) { m_box.append(child); }
 
 private:
-    GObjectPtr<GtkWidget> m_widget;
-    Themed::Token m_themeToken;
+    PaintedBox m_box;
 };
 
 } // namespace velder

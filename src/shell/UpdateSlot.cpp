@@ -3,78 +3,30 @@
 #include "core/Palette.h"
 #include "core/Theme.h"
 #include "shell/Drawing.h"
+#include "shell/OwnedWidget.h"
+#include "shell/PressGesture.h"
 
 #include <cmath>
 #include <utility>
 
-struct VelderUpdateSlot {
-    GtkWidget parent;
-    velder::UpdateSlot* owner;
-};
-struct VelderUpdateSlotClass {
-    GtkWidgetClass parent;
-};
+using VelderUpdateSlot = velder::OwnedWidget<velder::UpdateSlot>;
+using VelderUpdateSlotClass = GtkWidgetClass;
 G_DEFINE_TYPE(VelderUpdateSlot, velder_update_slot, GTK_TYPE_WIDGET)
 
 namespace {
 
-velder::UpdateSlot* ownerOf(gpointer widget)
-{
-    return reinterpret_cast<VelderUpdateSlot*>(widget)->owner;
-}
-
-void slotSnapshot(GtkWidget* widget, GtkSnapshot* snapshot)
-{
-    if (auto* slot = ownerOf(widget)) {
-        slot->snapshot(snapshot);
-    }
-}
+using velder::UpdateSlot;
 
 void slotMeasure(GtkWidget*, GtkOrientation, int, int* minimum, int* natural, int*, int*)
 {
-    *minimum = *natural = velder::UpdateSlot::side;
-}
-
-void dragBegan(GtkGestureDrag* gesture, double, double, gpointer widget)
-{
-    // The slot is a button: a press on it must not drag the window.
-    gtk_gesture_set_state(GTK_GESTURE(gesture), GTK_EVENT_SEQUENCE_CLAIMED);
-    if (auto* slot = ownerOf(widget)) {
-        slot->press();
-    }
-}
-
-void dragUpdated(GtkGestureDrag* gesture, double dx, double dy, gpointer widget)
-{
-    double x = 0, y = 0;
-    gtk_gesture_drag_get_start_point(gesture, &x, &y);
-    if (auto* slot = ownerOf(widget)) {
-        slot->pointerMoved(x + dx, y + dy);
-    }
-}
-
-void dragEnded(GtkGestureDrag* gesture, double dx, double dy, gpointer widget)
-{
-    double x = 0, y = 0;
-    gtk_gesture_drag_get_start_point(gesture, &x, &y);
-    if (auto* slot = ownerOf(widget)) {
-        slot->release(x + dx, y + dy);
-    }
-}
-
-void dragCancelled(GtkGesture*, GdkEventSequence*, gpointer widget)
-{
-    if (auto* slot = ownerOf(widget)) {
-        slot->release(-1, -1);
-    }
+    *minimum = *natural = UpdateSlot::side;
 }
 
 } // namespace
 
-static void velder_update_slot_class_init(VelderUpdateSlotClass* klass)
+static void velder_update_slot_class_init(VelderUpdateSlotClass* widgetClass)
 {
-    GtkWidgetClass* widgetClass = GTK_WIDGET_CLASS(klass);
-    widgetClass->snapshot = slotSnapshot;
+    widgetClass->snapshot = velder::snapshotByOwner<UpdateSlot>;
     widgetClass->measure = slotMeasure;
     gtk_widget_class_set_css_name(widgetClass, "updateslot");
     gtk_widget_class_set_accessible_role(widgetClass, GTK_ACCESSIBLE_ROLE_BUTTON);
@@ -84,13 +36,8 @@ static void velder_update_slot_init(VelderUpdateSlot* self)
 {
     GtkWidget* widget = GTK_WIDGET(self);
     gtk_widget_set_focusable(widget, FALSE);
-    GtkGesture* drag = gtk_gesture_drag_new();
-    gtk_gesture_single_set_button(GTK_GESTURE_SINGLE(drag), GDK_BUTTON_PRIMARY);
-    g_signal_connect(drag, "drag-begin", G_CALLBACK(dragBegan), self);
-    g_signal_connect(drag, "drag-update", G_CALLBACK(dragUpdated), self);
-    g_signal_connect(drag, "drag-end", G_CALLBACK(dragEnded), self);
-    g_signal_connect(drag, "cancel", G_CALLBACK(dragCancelled), self);
-    gtk_widget_add_controller(widget, GTK_EVENT_CONTROLLER(drag));
+    // The slot is a button: a press on it must not drag the window.
+    velder::addPressGesture<UpdateSlot>(widget);
 }
 
 namespace velder {
@@ -99,7 +46,7 @@ UpdateSlot::UpdateSlot(UpdateState initial)
     : m_widget(GObjectPtr<GtkWidget>::adopt(GTK_WIDGET(g_object_new(velder_update_slot_get_type(), nullptr))))
     , m_state(std::move(initial))
 {
-    reinterpret_cast<VelderUpdateSlot*>(m_widget.get())->owner = this;
+    setOwner(m_widget.get(), this);
     if (m_state.value == UpdateState::Case::checking) {
         startSpinning();
     }
@@ -109,7 +56,7 @@ UpdateSlot::UpdateSlot(UpdateState initial)
 
 UpdateSlot::~UpdateSlot()
 {
-    reinterpret_cast<VelderUpdateSlot*>(m_widget.get())->owner = nullptr;
+    setOwner<UpdateSlot>(m_widget.get(), nullptr);
     stopSpinning();
     if (m_tickTimer) {
         g_source_remove(m_tickTimer);
@@ -228,11 +175,6 @@ void UpdateSlot::redraw()
     gtk_widget_queue_draw(m_widget.get());
 }
 
-bool UpdateSlot::contains(double x, double y) const
-{
-    return x >= 0 && y >= 0 && x < gtk_widget_get_width(m_widget.get()) && y < gtk_widget_get_height(m_widget.get());
-}
-
 void UpdateSlot::press()
 {
     m_isTracking = true;
@@ -243,9 +185,14 @@ void UpdateSlot::pointerMoved(double, double)
     // Only where the press ends counts.
 }
 
+void UpdateSlot::cancelPress()
+{
+    m_isTracking = false;
+}
+
 void UpdateSlot::release(double x, double y)
 {
-    if (!std::exchange(m_isTracking, false) || !contains(x, y)) {
+    if (!std::exchange(m_isTracking, false) || !Drawing::contains(m_widget.get(), x, y)) {
         return;
     }
     if (m_state.value == UpdateState::Case::staged) {

@@ -46,6 +46,7 @@ public:
     void press();
     void pointerMoved(double x, double y);
     void release(double x, double y);
+    void cancelPress();
 
     // Internal: the widget's snapshot.
     void snapshot(GtkSnapshot* snapshot);
@@ -57,7 +58,6 @@ private:
     void cancelTick();
     void refreshTooltip();
     void redraw();
-    bool contains(double x, double y) const;
 
     GObjectPtr<GtkWidget> m_widget;
     UpdateState m_state;

@@ -5,36 +5,20 @@
 #include "core/Theme.h"
 #include "core/UrlHelper.h"
 #include "shell/Drawing.h"
+#include "shell/OwnedWidget.h"
 
 #include <cmath>
 
-struct VelderUrlSuggestions {
-    GtkWidget parent;
-    velder::UrlSuggestions* owner;
-};
-struct VelderUrlSuggestionsClass {
-    GtkWidgetClass parent;
-};
+using VelderUrlSuggestions = velder::OwnedWidget<velder::UrlSuggestions>;
+using VelderUrlSuggestionsClass = GtkWidgetClass;
 G_DEFINE_TYPE(VelderUrlSuggestions, velder_url_suggestions, GTK_TYPE_WIDGET)
 
 namespace {
 
-velder::UrlSuggestions* ownerOf(gpointer widget)
-{
-    return reinterpret_cast<VelderUrlSuggestions*>(widget)->owner;
-}
-
-void listSnapshot(GtkWidget* widget, GtkSnapshot* snapshot)
-{
-    if (auto* list = ownerOf(widget)) {
-        list->snapshot(snapshot);
-    }
-}
-
 void listMeasure(GtkWidget* widget, GtkOrientation orientation, int, int* minimum, int* natural, int*, int*)
 {
     *minimum = *natural = 0;
-    auto* list = ownerOf(widget);
+    auto* list = velder::ownerOf<velder::UrlSuggestions>(widget);
     if (list && orientation == GTK_ORIENTATION_VERTICAL) {
         *minimum = *natural = static_cast<int>(velder::UrlSuggestions::height(list->entries().size()));
     }
@@ -42,14 +26,14 @@ void listMeasure(GtkWidget* widget, GtkOrientation orientation, int, int* minimu
 
 void moved(GtkEventControllerMotion*, double x, double y, gpointer widget)
 {
-    if (auto* list = ownerOf(widget)) {
+    if (auto* list = velder::ownerOf<velder::UrlSuggestions>(widget)) {
         list->pointerMoved(x, y);
     }
 }
 
 void left(GtkEventControllerMotion*, gpointer widget)
 {
-    if (auto* list = ownerOf(widget)) {
+    if (auto* list = velder::ownerOf<velder::UrlSuggestions>(widget)) {
         list->pointerLeft();
     }
 }
@@ -61,17 +45,16 @@ void pressed(GtkGestureClick* gesture, int, double, double, gpointer)
 
 void released(GtkGestureClick*, int, double x, double y, gpointer widget)
 {
-    if (auto* list = ownerOf(widget)) {
+    if (auto* list = velder::ownerOf<velder::UrlSuggestions>(widget)) {
         list->release(x, y);
     }
 }
 
 } // namespace
 
-static void velder_url_suggestions_class_init(VelderUrlSuggestionsClass* klass)
+static void velder_url_suggestions_class_init(VelderUrlSuggestionsClass* widgetClass)
 {
-    GtkWidgetClass* widgetClass = GTK_WIDGET_CLASS(klass);
-    widgetClass->snapshot = listSnapshot;
+    widgetClass->snapshot = velder::snapshotByOwner<velder::UrlSuggestions>;
     widgetClass->measure = listMeasure;
     gtk_widget_class_set_css_name(widgetClass, "urlsuggestions");
     gtk_widget_class_set_accessible_role(widgetClass, GTK_ACCESSIBLE_ROLE_LIST);
@@ -117,14 +100,14 @@ std::string_view trimmed(std::string_view text)
 UrlSuggestions::UrlSuggestions()
     : m_widget(GObjectPtr<GtkWidget>::adopt(GTK_WIDGET(g_object_new(velder_url_suggestions_get_type(), nullptr))))
 {
-    reinterpret_cast<VelderUrlSuggestions*>(m_widget.get())->owner = this;
+    setOwner(m_widget.get(), this);
     gtk_widget_set_visible(m_widget.get(), FALSE);
     m_themeToken = Themed::subscribeToTheme(m_widget.get(), nullptr);
 }
 
 UrlSuggestions::~UrlSuggestions()
 {
-    reinterpret_cast<VelderUrlSuggestions*>(m_widget.get())->owner = nullptr;
+    setOwner<UrlSuggestions>(m_widget.get(), nullptr);
 }
 
 void UrlSuggestions::update(std::string_view query)
