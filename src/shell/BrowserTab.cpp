@@ -26,13 +26,15 @@ namespace velder {
 
 namespace {
 
-BrowserTab::ViewFactory& viewFactory()
+BrowserTab::ViewFactory customFactory;
+
+std::shared_ptr<VLDBrowserView> makeView(
+    const std::string& url, std::shared_ptr<VLDRequestContext> context, bool popupHost)
 {
-    static BrowserTab::ViewFactory factory = [](const std::string& url, std::shared_ptr<VLDRequestContext> context,
-                                                 bool popupHost) {
-        return popupHost ? VLDBrowserView::popupHostView() : VLDBrowserView::create(url, std::move(context));
-    };
-    return factory;
+    if (customFactory) {
+        return customFactory(url, std::move(context), popupHost);
+    }
+    return popupHost ? VLDBrowserView::popupHostView() : VLDBrowserView::create(url, std::move(context));
 }
 
 // Icon fetches ride the page's own network session, cookies included.
@@ -65,13 +67,13 @@ bool locationEnabled()
 
 void BrowserTab::setViewFactory(ViewFactory factory)
 {
-    viewFactory() = std::move(factory);
+    customFactory = std::move(factory);
 }
 
 std::shared_ptr<BrowserTab> BrowserTab::create(const std::string& url, bool isPrivate)
 {
     auto context = isPrivate ? PrivateSession::acquire() : nullptr;
-    std::shared_ptr<BrowserTab> tab(new BrowserTab(viewFactory()(url, context, false), url, isPrivate));
+    std::shared_ptr<BrowserTab> tab(new BrowserTab(makeView(url, context, false), url, isPrivate));
     tab->wire();
     return tab;
 }
@@ -80,7 +82,7 @@ std::shared_ptr<BrowserTab> BrowserTab::createPopupHost(bool isPrivate)
 {
     // Every private tab holds exactly one reference to the private session, popup hosts included.
     auto context = isPrivate ? PrivateSession::acquire() : nullptr;
-    std::shared_ptr<BrowserTab> tab(new BrowserTab(viewFactory()("", context, true), "", isPrivate));
+    std::shared_ptr<BrowserTab> tab(new BrowserTab(makeView("", context, true), "", isPrivate));
     tab->wire();
     return tab;
 }

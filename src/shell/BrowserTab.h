@@ -32,7 +32,7 @@ public:
         bool operator==(const SessionAnswer&) const = default;
     };
 
-    // Makes the engine view of a tab: the real one, or a fake in the window layer's tests.
+    // Makes the engine view of a tab: the real one (with no factory set), or a fake in the window layer's tests.
     using ViewFactory = std::function<std::shared_ptr<VLDBrowserView>(
         const std::string& url, std::shared_ptr<VLDRequestContext> context, bool popupHost)>;
     static void setViewFactory(ViewFactory factory);

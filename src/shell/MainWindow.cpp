@@ -498,9 +498,7 @@ void MainWindow::dispose(const std::shared_ptr<BrowserTab>& tab)
         close();
         return;
     }
-    if (activeIndex > index) {
-        --activeIndex; // the active tab stays active if it wasn't the one removed
-    }
+    // The tab now standing at the removed one's place becomes active, whichever was active before.
     selectTab(std::min(index, tabs.size() - 1));
 }
 

@@ -1,0 +1,278 @@
+// A tab's reactions to its page, over a fake browser view.
+
+#include "ShellTest.h"
+
+#include "bridge/VLDPermissionRequest.h"
+#include "core/LocationSettings.h"
+#include "core/Log.h"
+#include "core/Shortcuts.h"
+#include "shell/BrowserTab.h"
+
+#include <glib.h>
+
+using namespace velder;
+using namespace velder::test;
+
+namespace {
+
+class BrowserTabTest : public ShellTest { };
+
+// A location request as the bridge hands it over.
+class FakePermissionRequest : public VLDPermissionRequest {
+public:
+    explicit FakePermissionRequest(std::string origin, Kind kind = Kind::geolocation)
+        : m_origin(std::move(origin))
+        , m_kind(kind)
+    {
+    }
+    Kind kind() const override { return m_kind; }
+    const std::string& origin() const override { return m_origin; }
+    std::uint64_t promptId() const override { return 1; }
+    bool isAnswered() const override { return answer.has_value(); }
+    void allow() override
+    {
+        if (!answer) {
+            answer = true;
+        }
+    }
+    void deny() override
+    {
+        if (!answer) {
+            answer = false;
+        }
+    }
+    std::optional<bool> answer;
+
+private:
+    std::string m_origin;
+    Kind m_kind;
+};
+
+// Records what reaches the engine's location settings.
+class RecordingMirror : public LocationMirror {
+public:
+    void writeGlobal(const std::string& origin, int setting) override { global.emplace_back(origin, setting); }
+    void writePrivate(const std::string& origin, int setting) override { priv.emplace_back(origin, setting); }
+    bool hasPrivateContext() const override { return true; }
+    std::vector<std::pair<std::string, int>> global;
+    std::vector<std::pair<std::string, int>> priv;
+};
+
+std::string decodedErrorPage(const std::string& dataURL)
+{
+    const std::string prefix = "data:text/html;charset=utf-8;base64,";
+    EXPECT_TRUE(dataURL.starts_with(prefix));
+    gsize length = 0;
+    guchar* bytes = g_base64_decode(dataURL.substr(prefix.size()).c_str(), &length);
+    std::string page(reinterpret_cast<char*>(bytes), length);
+    g_free(bytes);
+    return page;
+}
+
+} // namespace
+
+TEST_F(BrowserTabTest, AddressReportsMakeHistoryOnlyForOrdinaryPages)
+{
+    auto tab = BrowserTab::create("https://start.example/", false);
+    auto view = fakeViewOf(*tab);
+    int changes = 0;
+    tab->onStateChanged = [&](BrowserTab&) { ++changes; };
+
+    view->reportAddress("https://a.example/page");
+    EXPECT_EQ(tab->displayTitle(), "a.example") << "a new address clears the title: the host shows meanwhile";
+    view->reportTitle("Page A");
+    view->reportAddress("https://a.example/page"); // the same address again: no second visit
+    EXPECT_EQ(tab->title, "Page A");
+    view->reportAddress("velder://history/");
+    view->reportAddress("data:text/html,hello");
+    EXPECT_EQ(tab->url, "velder://history/") << "a data: report changes nothing";
+    EXPECT_EQ(changes, 4);
+
+    auto entries = HistoryStore::shared().entries();
+    ASSERT_EQ(entries.size(), 1u);
+    EXPECT_EQ(entries[0].url, "https://a.example/page");
+    EXPECT_EQ(entries[0].title, "Page A");
+    EXPECT_EQ(entries[0].visitCount, 1);
+}
+
+TEST_F(BrowserTabTest, DisplayTitleFallsBackToHostThenNewTabThenAddress)
+{
+    struct Row {
+        std::string url, title, expected;
+    };
+    std::vector<Row> rows = {
+        { "https://www.a.example/x", "", "a.example" },
+        { "https://www.a.example/x", "A title", "A title" },
+        { "about:blank", "", "New Tab" },
+        { "", "", "New Tab" },
+        { "velder://settings/", "", "settings" },
+        { "file:///tmp/x.html", "", "file:///tmp/x.html" },
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.url);
+        auto tab = BrowserTab::create(row.url, false);
+        tab->title = row.title;
+        EXPECT_EQ(tab->displayTitle(), row.expected);
+    }
+}
+
+TEST_F(BrowserTabTest, AFailedLoadShowsTheErrorPageWhileTheTabKeepsTheAddress)
+{
+    auto tab = BrowserTab::create("https://start.example/", false);
+    auto view = fakeViewOf(*tab);
+    LogCapture log;
+    view->delegate()->didFailLoad(*view, -105, "Name not resolved", "https://no.such.example/<x>");
+    EXPECT_EQ(tab->url, "https://no.such.example/<x>");
+    EXPECT_EQ(tab->errorURL, "https://no.such.example/<x>");
+    EXPECT_EQ(tab->title, "Cannot open page");
+    ASSERT_EQ(view->loaded.size(), 1u);
+    std::string page = decodedErrorPage(view->loaded[0]);
+    EXPECT_NE(page.find("https://no.such.example/&lt;x&gt;"), std::string::npos);
+    EXPECT_NE(page.find("That address could not be found (DNS lookup failed)."), std::string::npos);
+    EXPECT_TRUE(log.contains("Velder: load failed (-105 Name not resolved) for https://no.such.example/<x>"));
+
+    view->reportAddress(view->loaded[0]); // the data: document commits: the tab keeps the failed address
+    EXPECT_EQ(tab->url, "https://no.such.example/<x>");
+
+    view->delegate()->didFailLoad(*view, -3, "", "https://aborted.example/");
+    EXPECT_EQ(view->loaded.size(), 1u) << "an aborted load shows nothing";
+
+    view->delegate()->didTerminateRenderProcess(*view, 2);
+    ASSERT_EQ(view->loaded.size(), 2u);
+    EXPECT_NE(decodedErrorPage(view->loaded[1]).find("The page crashed (status 2)."), std::string::npos);
+    EXPECT_TRUE(log.contains("Velder: render process terminated (status 2)"));
+}
+
+TEST_F(BrowserTabTest, TheEngineKeyHookRunsTheKeyTable)
+{
+    auto tab = BrowserTab::create("https://a.example/", false);
+    std::vector<BrowserAction> ran;
+    tab->handleKey = [&](BrowserAction action) {
+        ran.push_back(action);
+        return true;
+    };
+    struct Row {
+        std::int32_t code;
+        std::uint32_t modifiers;
+        std::optional<BrowserAction> expected;
+    };
+    std::vector<Row> rows = {
+        { 84, 128, BrowserAction::Kind::newTab }, // Ctrl+T
+        { 84, 128 | 2, BrowserAction::Kind::reopenClosedTab }, // Ctrl+Shift+T
+        { 87, 128 | 2, BrowserAction::Kind::closeWindow },
+        { 187, 128 | 2, BrowserAction::Kind::zoomIn }, // Ctrl+Shift+= is "+": shift doesn't count
+        { 27, 0, BrowserAction::Kind::stop }, // a bare Escape in a page
+        { 116, 0, BrowserAction::Kind::reload }, // F5
+        { 37, 8, BrowserAction::Kind::back }, // Alt+Left
+        { 84, 128 | 8, std::nullopt }, // an extra Alt matches nothing
+        { 65, 0, std::nullopt },
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::to_string(row.code) + "/" + std::to_string(row.modifiers));
+        ran.clear();
+        bool handled = tab->handleEngineKey(row.code, row.modifiers);
+        EXPECT_EQ(handled, row.expected.has_value());
+        if (row.expected) {
+            ASSERT_EQ(ran.size(), 1u);
+            EXPECT_EQ(ran[0], *row.expected);
+        }
+    }
+}
+
+TEST_F(BrowserTabTest, AnEmptyFindClearsWithoutSearching)
+{
+    auto tab = BrowserTab::create("https://a.example/", false);
+    auto view = fakeViewOf(*tab);
+    int results = 0;
+    tab->onFindResult = [&](BrowserTab&) { ++results; };
+    view->delegate()->didFindMatchCount(*view, 12, 3, false);
+    EXPECT_EQ(tab->findMatchCount, 12);
+    EXPECT_EQ(tab->findActiveMatch, 3);
+    tab->find("", true, false);
+    EXPECT_EQ(tab->findMatchCount, 0);
+    EXPECT_EQ(tab->findActiveMatch, 0);
+    EXPECT_EQ(view->commands, (std::vector<std::string> { "stopFinding" }));
+    EXPECT_EQ(results, 2);
+    tab->find("word", false, true);
+    EXPECT_EQ(view->commands.back(), "find word backward next");
+}
+
+TEST_F(BrowserTabTest, LocationRequestsFollowTheStoredAnswersAndTheSessionAnswer)
+{
+    auto mirror = std::make_shared<RecordingMirror>();
+    LocationSettings::shared().setMirror(mirror);
+    Vault::shared().update([](VaultData& data) {
+        data.settings.locationEnabled = true;
+        data.locationSites["https://blocked.example"] = false;
+    });
+    auto tab = BrowserTab::create("https://a.example/", false);
+    int changes = 0;
+    tab->onLocationRequestChanged = [&](BrowserTab&) { ++changes; };
+
+    auto blocked = std::make_shared<FakePermissionRequest>("https://blocked.example");
+    EXPECT_TRUE(tab->handleLocationRequest(blocked));
+    EXPECT_EQ(blocked->answer, false);
+
+    EXPECT_FALSE(tab->handleLocationRequest(std::make_shared<FakePermissionRequest>(
+        "https://a.example", VLDPermissionRequest::Kind::other)));
+
+    // Two requests before an answer: the first is denied, the second parked, one change each.
+    auto first = std::make_shared<FakePermissionRequest>("https://a.example");
+    auto second = std::make_shared<FakePermissionRequest>("https://a.example");
+    EXPECT_TRUE(tab->handleLocationRequest(first));
+    EXPECT_TRUE(tab->handleLocationRequest(second));
+    EXPECT_EQ(first->answer, false);
+    EXPECT_FALSE(second->answer);
+    EXPECT_EQ(tab->pendingLocationRequest, second);
+    EXPECT_EQ(changes, 2);
+
+    // "Allow once": the request is allowed, nothing is stored, the tab is lit while it stays on the origin.
+    tab->resolveLocation(LocationChoice::allowOnce);
+    EXPECT_EQ(second->answer, true);
+    EXPECT_FALSE(Vault::shared().snapshot()->locationSites.contains("https://a.example"));
+    EXPECT_TRUE(tab->isLocationLit());
+    fakeViewOf(*tab)->reportAddress("https://a.example/other");
+    EXPECT_TRUE(tab->isLocationLit());
+
+    // Leaving the origin ends the one-time answer, and the engine is set back to ask for it.
+    mirror->global.clear();
+    fakeViewOf(*tab)->reportAddress("https://b.example/");
+    EXPECT_FALSE(tab->sessionAnswer());
+    EXPECT_EQ(mirror->global, (std::vector<std::pair<std::string, int>> { { "https://a.example", 3 } }));
+
+    // "Never" is stored and mirrored.
+    auto third = std::make_shared<FakePermissionRequest>("https://b.example");
+    tab->handleLocationRequest(third);
+    tab->resolveLocation(LocationChoice::never);
+    EXPECT_EQ(third->answer, false);
+    EXPECT_EQ(Vault::shared().snapshot()->locationSites.at("https://b.example"), false);
+
+    // With the switch off every request is denied, and no pin is lit.
+    Vault::shared().update([](VaultData& data) { data.settings.locationEnabled = false; });
+    auto fourth = std::make_shared<FakePermissionRequest>("https://c.example");
+    EXPECT_TRUE(tab->handleLocationRequest(fourth));
+    EXPECT_EQ(fourth->answer, false);
+    EXPECT_FALSE(tab->isLocationLit());
+    LocationSettings::shared().setMirror(nullptr);
+}
+
+TEST_F(BrowserTabTest, PrivateTabsAskEveryOriginAndStoreNothing)
+{
+    auto mirror = std::make_shared<RecordingMirror>();
+    LocationSettings::shared().setMirror(mirror);
+    Vault::shared().update([](VaultData& data) {
+        data.settings.locationEnabled = true;
+        data.locationSites["https://a.example"] = false; // blocked in ordinary windows
+    });
+    auto tab = BrowserTab::create("https://a.example/", true);
+    auto request = std::make_shared<FakePermissionRequest>("https://a.example");
+    EXPECT_TRUE(tab->handleLocationRequest(request));
+    EXPECT_FALSE(request->answer) << "a private tab asks, whatever ordinary windows answered";
+    tab->resolveLocation(LocationChoice::alwaysAllow);
+    EXPECT_EQ(request->answer, true);
+    EXPECT_EQ(Vault::shared().snapshot()->locationSites.at("https://a.example"), false);
+    EXPECT_TRUE(mirror->global.empty());
+    EXPECT_EQ(mirror->priv, (std::vector<std::pair<std::string, int>> { { "https://a.example", 1 } }));
+    EXPECT_TRUE(tab->isLocationLit());
+    LocationSettings::shared().setMirror(nullptr);
+}

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "bridge/VLDBrowserView.h"
+
+#include <gtk/gtk.h>
+#include <string>
+#include <vector>
+
+namespace velder::test {
+
+// A browser view without an engine: it records the commands it gets and lets a test play the engine's
+// reports through the delegate, so the window layer's logic runs in milliseconds.
+class FakeBrowserView : public VLDBrowserView {
+public:
+    explicit FakeBrowserView(std::string url, bool popupHost = false);
+    ~FakeBrowserView() override;
+
+    // Every view made by the fake factory, in order (weakly).
+    static std::vector<std::weak_ptr<FakeBrowserView>>& made();
+    static void install(); // makes BrowserTab create fake views
+
+    GtkWidget* widget() const override { return m_widget; }
+    std::uint64_t identifier() const override { return m_identifier; }
+    void setDelegate(std::weak_ptr<VLDBrowserDelegate> delegate) override { m_delegate = std::move(delegate); }
+    const std::string& currentURL() const override { return m_url; }
+    const std::string& pageTitle() const override { return m_title; }
+    bool isLoading() const override { return m_loading; }
+    bool canGoBack() const override { return false; }
+    bool canGoForward() const override { return false; }
+    bool hasBrowser() const override { return m_hasBrowser; }
+    bool isPopupHost() const override { return m_popupHost; }
+    bool refusesNavigationFocus() const override { return m_refusesFocus; }
+    void setRefusesNavigationFocus(bool refuses) override { m_refusesFocus = refuses; }
+    double zoomLevel() const override { return m_zoom; }
+    void setZoomLevel(double level) override { m_zoom = level; }
+    void loadURL(const std::string& url) override;
+    void goBack() override { commands.push_back("goBack"); }
+    void goForward() override { commands.push_back("goForward"); }
+    void reload() override { commands.push_back("reload"); }
+    void reloadIgnoringCache() override { commands.push_back("reloadIgnoringCache"); }
+    void stopLoading() override { commands.push_back("stopLoading"); }
+    void setBrowserFocus(bool focus) override { commands.push_back(focus ? "focus" : "unfocus"); }
+    void findText(const std::string& text, bool forward, bool, bool findNext) override;
+    void stopFindingAndClearSelection(bool) override { commands.push_back("stopFinding"); }
+    void showDevTools() override { commands.push_back("showDevTools"); }
+    void startDownload(const std::string& url) override { commands.push_back("download " + url); }
+    void clearCookiesAndCache() override { commands.push_back("clearCookiesAndCache"); }
+    void fetchIconAtURL(const std::string& url, std::uint64_t,
+        std::function<void(std::optional<std::vector<std::uint8_t>>)> completion) override;
+    void requestClose() override;
+
+    // Test controls.
+    void attachBrowser() { m_hasBrowser = true; }
+    // When set, requestClose is refused as a page's beforeunload can.
+    bool refusesToUnload = false;
+    // Plays the engine's close: the tear-down request, then the end of the browser.
+    void finishClose();
+    void reportAddress(const std::string& url);
+    void reportTitle(const std::string& title);
+    void reportLoading(bool loading);
+    std::shared_ptr<VLDBrowserDelegate> delegate() const { return m_delegate.lock(); }
+
+    std::vector<std::string> commands;
+    std::vector<std::string> loaded;
+
+private:
+    GtkWidget* m_widget;
+    std::uint64_t m_identifier;
+    std::weak_ptr<VLDBrowserDelegate> m_delegate;
+    std::string m_url;
+    std::string m_title;
+    bool m_loading = false;
+    bool m_hasBrowser = false;
+    bool m_popupHost;
+    bool m_refusesFocus = false;
+    double m_zoom = 0;
+};
+
+} // namespace velder::test

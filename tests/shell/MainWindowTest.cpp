@@ -1,0 +1,257 @@
+// The window's tab model and commands, over fake browser views.
+
+#include "ShellTest.h"
+
+#include "core/InternalRoute.h"
+#include "shell/BrowserTab.h"
+#include "shell/MainWindow.h"
+
+using namespace velder;
+using namespace velder::test;
+
+namespace {
+
+class MainWindowTest : public ShellTest {
+protected:
+    // An ordinary window in the registry, with one tab per URL, each with a live browser.
+    std::shared_ptr<MainWindow> windowWith(const std::vector<std::string>& urls, bool isPrivate = false)
+    {
+        auto window = MainWindow::create(MainWindow::defaultFrame(), isPrivate, false);
+        WindowRegistry::shared().windows.push_back(window);
+        for (const auto& url : urls) {
+            auto tab = BrowserTab::create(url, isPrivate);
+            fakeViewOf(*tab)->attachBrowser();
+            window->install(tab, false);
+        }
+        return window;
+    }
+
+    static std::vector<std::string> urlsOf(const MainWindow& window)
+    {
+        std::vector<std::string> urls;
+        for (const auto& tab : window.tabs) {
+            urls.push_back(tab->url);
+        }
+        return urls;
+    }
+};
+
+} // namespace
+
+TEST_F(MainWindowTest, ClosingATabSelectsTheTabNowAtItsPlace)
+{
+    struct Row {
+        std::size_t active;
+        std::size_t closed;
+        std::vector<std::string> left;
+        std::string nowActive;
+    };
+    std::vector<Row> rows = {
+        { 0, 2, { "https://a.example/", "https://b.example/", "https://d.example/" }, "https://d.example/" },
+        { 3, 1, { "https://a.example/", "https://c.example/", "https://d.example/" }, "https://c.example/" },
+        { 1, 3, { "https://a.example/", "https://b.example/", "https://c.example/" }, "https://c.example/" },
+        { 2, 2, { "https://a.example/", "https://b.example/", "https://d.example/" }, "https://d.example/" },
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE("active " + std::to_string(row.active) + ", closed " + std::to_string(row.closed));
+        auto window = windowWith({ "https://a.example/", "https://b.example/", "https://c.example/", "https://d.example/" });
+        window->selectTab(row.active);
+        auto closing = window->tabs[row.closed];
+        window->closeTab(row.closed);
+        ASSERT_TRUE(spinUntil([&] { return window->tabs.size() == 3; }));
+        EXPECT_EQ(urlsOf(*window), row.left);
+        EXPECT_EQ(window->activeTab()->url, row.nowActive);
+        EXPECT_EQ(delegate->closedTabs().front(), closing->url);
+        WindowRegistry::shared().reset();
+    }
+}
+
+TEST_F(MainWindowTest, ATabThatRefusesToUnloadStaysOpen)
+{
+    auto window = windowWith({ "https://a.example/", "https://b.example/" });
+    fakeViewOf(*window->tabs[1])->refusesToUnload = true;
+    window->closeTab(1);
+    spinFor(std::chrono::milliseconds(50));
+    EXPECT_EQ(window->tabs.size(), 2u);
+    EXPECT_TRUE(window->tabs[1]->view()->hasBrowser());
+}
+
+TEST_F(MainWindowTest, ClosingTheOnlyTabClosesTheWindowAndForgetsNothingToReopen)
+{
+    auto window = windowWith({ "https://only.example/" });
+    std::weak_ptr<MainWindow> weak = window;
+    window->closeTab(0);
+    window.reset();
+    ASSERT_TRUE(spinUntil([&] { return weak.expired(); }));
+    EXPECT_TRUE(WindowRegistry::shared().windows.empty());
+    EXPECT_TRUE(delegate->closedTabs().empty());
+
+    // Tabs that never got a browser don't hold the window up.
+    auto other = MainWindow::create(MainWindow::defaultFrame(), false, false);
+    WindowRegistry::shared().windows.push_back(other);
+    other->install(BrowserTab::create("https://x.example/", false), true);
+    other->install(BrowserTab::create("https://y.example/", false), true);
+    weak = other;
+    other->performClose();
+    other.reset();
+    EXPECT_TRUE(weak.expired());
+}
+
+TEST_F(MainWindowTest, MovingTabsKeepsTheActiveOne)
+{
+    struct Row {
+        std::size_t active, from, to, nowActive;
+    };
+    std::vector<Row> rows = { { 1, 1, 3, 3 }, { 2, 0, 3, 1 }, { 1, 3, 0, 2 }, { 0, 1, 2, 0 }, { 2, 2, 9, 2 } };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::to_string(row.from) + " -> " + std::to_string(row.to));
+        auto window = windowWith({ "https://a.example/", "https://b.example/", "https://c.example/", "https://d.example/" });
+        window->selectTab(row.active);
+        auto active = window->activeTab();
+        window->moveTab(row.from, row.to);
+        EXPECT_EQ(window->activeIndex, row.nowActive);
+        EXPECT_EQ(window->activeTab(), active);
+        WindowRegistry::shared().reset();
+    }
+}
+
+TEST_F(MainWindowTest, TabCommandsWrapAndIgnorePositionsPastTheEnd)
+{
+    auto window = windowWith({ "https://a.example/", "https://b.example/", "https://c.example/" });
+    window->selectTab(2);
+    window->perform(BrowserAction::Kind::nextTab);
+    EXPECT_EQ(window->activeIndex, 0u);
+    window->perform(BrowserAction::Kind::prevTab);
+    EXPECT_EQ(window->activeIndex, 2u);
+    window->perform(BrowserAction::selectTab(1));
+    EXPECT_EQ(window->activeIndex, 0u);
+    window->perform(BrowserAction::selectTab(7));
+    EXPECT_EQ(window->activeIndex, 0u);
+    window->perform(BrowserAction::Kind::selectLastTab);
+    EXPECT_EQ(window->activeIndex, 2u);
+}
+
+TEST_F(MainWindowTest, CloseOthersAndToTheRight)
+{
+    auto window = windowWith({ "https://a.example/", "https://b.example/", "https://c.example/", "https://d.example/" });
+    window->tabMenuCloseToRight(1);
+    ASSERT_TRUE(spinUntil([&] { return window->tabs.size() == 2; }));
+    EXPECT_EQ(urlsOf(*window), (std::vector<std::string> { "https://a.example/", "https://b.example/" }));
+    window->tabMenuCloseOthers(1);
+    ASSERT_TRUE(spinUntil([&] { return window->tabs.size() == 1; }));
+    EXPECT_EQ(window->tabs[0]->url, "https://b.example/");
+    window->tabMenuCloseOthers(5); // past the end: nothing
+    EXPECT_EQ(window->tabs.size(), 1u);
+}
+
+TEST_F(MainWindowTest, NewTabsTakeTheCurrentZoom)
+{
+    auto window = windowWith({ "https://a.example/" });
+    window->perform(BrowserAction::Kind::zoomIn);
+    window->perform(BrowserAction::Kind::zoomIn);
+    EXPECT_EQ(window->tabs[0]->view()->zoomLevel(), 2);
+    window->perform(BrowserAction::Kind::newTab);
+    EXPECT_EQ(window->activeTab()->view()->zoomLevel(), 2);
+    Vault::shared().flushNow();
+    EXPECT_EQ(Vault::shared().snapshot()->currentZoomLevel, 2);
+}
+
+TEST_F(MainWindowTest, PrivateWindowsLeaveNoTrace)
+{
+    auto ordinary = windowWith({ "https://a.example/" });
+    ordinary->perform(BrowserAction::Kind::zoomIn);
+    auto window = windowWith({ "about:blank" }, true);
+
+    // A page visited in a private tab doesn't reach the history.
+    fakeViewOf(*window->tabs[0])->reportAddress("https://secret.example/");
+    fakeViewOf(*window->tabs[0])->reportTitle("Secret");
+    EXPECT_EQ(window->tabs[0]->url, "https://secret.example/");
+    EXPECT_TRUE(HistoryStore::shared().entries().empty());
+
+    // Its zoom holds for every view but isn't stored.
+    window->perform(BrowserAction::Kind::zoomOut);
+    window->perform(BrowserAction::Kind::zoomOut);
+    window->perform(BrowserAction::Kind::zoomOut);
+    EXPECT_EQ(ordinary->tabs[0]->view()->zoomLevel(), -2);
+    EXPECT_EQ(Vault::shared().snapshot()->currentZoomLevel, 1);
+
+    // Closed private tabs aren't remembered, and new tabs stay private and blank.
+    window->perform(BrowserAction::Kind::newTab);
+    EXPECT_TRUE(window->activeTab()->isPrivate());
+    EXPECT_EQ(window->activeTab()->url, "about:blank");
+    window->closeTab(0);
+    EXPECT_TRUE(delegate->closedTabs().empty());
+
+    // Settings open in the ordinary window.
+    window->perform(BrowserAction::Kind::settings);
+    EXPECT_EQ(window->tabs.size(), 1u);
+    ASSERT_EQ(ordinary->tabs.size(), 2u);
+    EXPECT_EQ(ordinary->activeTab()->url, "velder://settings/");
+    EXPECT_FALSE(ordinary->activeTab()->isPrivate());
+
+    // A second request shows the existing settings tab.
+    ordinary->selectTab(0);
+    window->perform(BrowserAction::Kind::settings);
+    EXPECT_EQ(ordinary->tabs.size(), 2u);
+    EXPECT_EQ(ordinary->activeIndex, 1u);
+}
+
+TEST_F(MainWindowTest, SettingsFromAPrivateWindowAloneOpenAnOrdinaryWindow)
+{
+    auto window = windowWith({ "about:blank" }, true);
+    window->perform(BrowserAction::Kind::history);
+    ASSERT_EQ(WindowRegistry::shared().windows.size(), 2u);
+    auto opened = WindowRegistry::shared().windows.back();
+    EXPECT_FALSE(opened->isPrivate());
+    EXPECT_EQ(opened->activeTab()->url, "velder://history/");
+    EXPECT_EQ(window->tabs.size(), 1u);
+}
+
+TEST_F(MainWindowTest, ReopeningClosedTabsNeverLandsInAPrivateWindow)
+{
+    auto ordinary = windowWith({ "https://a.example/", "https://b.example/" });
+    ordinary->closeTab(1);
+    ASSERT_TRUE(spinUntil([&] { return ordinary->tabs.size() == 1; }));
+    auto window = windowWith({ "about:blank" }, true);
+    window->perform(BrowserAction::Kind::reopenClosedTab);
+    EXPECT_EQ(window->tabs.size(), 1u);
+    ASSERT_EQ(ordinary->tabs.size(), 2u);
+    EXPECT_EQ(ordinary->activeTab()->url, "https://b.example/");
+    EXPECT_FALSE(ordinary->activeTab()->isPrivate());
+}
+
+TEST_F(MainWindowTest, ClosedTabsAreRememberedUpToTwentyFour)
+{
+    for (int i = 0; i < 25; ++i) {
+        delegate->rememberClosedTab("https://site" + std::to_string(i) + ".example/");
+    }
+    EXPECT_EQ(delegate->closedTabs().size(), 24u);
+    EXPECT_EQ(delegate->closedTabs().front(), "https://site24.example/");
+    EXPECT_EQ(delegate->closedTabs().back(), "https://site1.example/");
+
+    delegate->rememberClosedTab("  ABOUT:BLANK \n");
+    delegate->rememberClosedTab("   ");
+    EXPECT_EQ(delegate->closedTabs().front(), "https://site24.example/");
+    delegate->rememberClosedTab(" https://blanks.example/ ");
+    EXPECT_EQ(delegate->closedTabs().front(), " https://blanks.example/ ");
+}
+
+TEST_F(MainWindowTest, StartupUrlComesFromTheFirstArgumentWithoutADash)
+{
+    struct Row {
+        std::vector<std::string> arguments;
+        std::optional<std::string> expected;
+    };
+    std::vector<Row> rows = {
+        { { "velder" }, std::nullopt },
+        { { "velder", "--remote-debugging-port=9222" }, std::nullopt },
+        { { "velder", "--remote-debugging-port=9222", "example.org" }, "https://example.org" },
+        { { "velder", "javascript:alert(1)" }, std::nullopt },
+        { { "velder", "two words", "https://b.example/" }, std::nullopt },
+        { { "velder", "about:settings" }, "velder://settings/" },
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.arguments.back());
+        EXPECT_EQ(AppDelegate::startupURL(row.arguments), row.expected);
+    }
+}

@@ -1,0 +1,161 @@
+// Capturing windows into the vault and rebuilding them at start.
+
+#include "ShellTest.h"
+
+#include "shell/BrowserTab.h"
+#include "shell/MainWindow.h"
+#include "shell/WindowPlacement.h"
+
+using namespace velder;
+using namespace velder::test;
+
+namespace {
+
+class SessionTest : public ShellTest {
+protected:
+    std::shared_ptr<MainWindow> openWindow(Rect frame, const std::vector<std::string>& urls, std::size_t active,
+        bool isPrivate = false)
+    {
+        auto window = MainWindow::create(frame, isPrivate, true);
+        for (const auto& url : urls) {
+            window->install(BrowserTab::create(url, isPrivate), false);
+        }
+        window->selectTab(active);
+        WindowRegistry::shared().windows.push_back(window);
+        window->makeKeyAndOrderFront();
+        return window;
+    }
+
+    static bool settled(const MainWindow& window, const Rect& expected)
+    {
+        Rect frame = window.frame();
+        return frame.x == expected.x && frame.y == expected.y && frame.width == expected.width
+            && frame.height == expected.height;
+    }
+};
+
+} // namespace
+
+TEST_F(SessionTest, CaptureThenRestoreGivesTheSameWindows)
+{
+    Rect first { 40, 30, 900, 700 };
+    Rect second { 300, 200, 1000, 650 };
+    auto a = openWindow(first, { "https://a.example/", "velder://history/", "about:blank" }, 1);
+    auto b = openWindow(second, { "https://b.example/x?y=1" }, 0);
+    openWindow({ 10, 10, 800, 600 }, { "https://private.example/" }, 0, true);
+    ASSERT_TRUE(spinUntil([&] { return settled(*a, first) && settled(*b, second); })) << a->frame().x;
+
+    WindowRegistry::shared().capture();
+    auto saved = Vault::shared().snapshot()->windows;
+    ASSERT_EQ(saved.size(), 2u) << "private windows are never saved";
+    EXPECT_EQ(saved[0], (WindowSession { { "https://a.example/", "velder://history/", "about:blank" }, 1, 40, 30, 900,
+                            700, WindowState::normal }));
+
+    WindowRegistry::shared().reset();
+    a.reset();
+    b.reset();
+    ASSERT_TRUE(WindowRegistry::shared().restoreSavedSession());
+    auto& windows = WindowRegistry::shared().windows;
+    ASSERT_EQ(windows.size(), 2u);
+    ASSERT_TRUE(spinUntil([&] { return settled(*windows[0], first) && settled(*windows[1], second); }));
+    for (std::size_t i = 0; i < 2; ++i) {
+        SCOPED_TRACE(i);
+        WindowSession again = windows[i]->sessionRecord();
+        EXPECT_EQ(again, saved[i]);
+        EXPECT_TRUE(windows[i]->hasOwnPlacement);
+    }
+}
+
+TEST_F(SessionTest, CapturesKeepWhatWasSavedWhereTheyKnowNoBetter)
+{
+    // Only private windows: the saved session stays as it was.
+    Vault::shared().update([](VaultData& data) { data.windows = { { { "https://kept.example/" }, 0, 5, 6, 700, 500 } }; });
+    openWindow({ 10, 10, 800, 600 }, { "about:blank" }, 0, true);
+    WindowRegistry::shared().capture();
+    ASSERT_EQ(Vault::shared().snapshot()->windows.size(), 1u);
+    EXPECT_EQ(Vault::shared().snapshot()->windows[0].tabs[0], "https://kept.example/");
+
+    // A window without a placement of its own keeps the one saved at its place.
+    auto window = MainWindow::create(MainWindow::defaultFrame(), false, false);
+    window->install(BrowserTab::create("https://new.example/", false), true);
+    WindowRegistry::shared().windows.push_back(window);
+    WindowRegistry::shared().capture();
+    auto saved = Vault::shared().snapshot()->windows;
+    ASSERT_EQ(saved.size(), 1u);
+    EXPECT_EQ(saved[0].tabs, std::vector<std::string> { "https://new.example/" });
+    EXPECT_EQ(saved[0].x, 5);
+    EXPECT_EQ(saved[0].w, 700);
+
+    // After the final capture nothing more is written.
+    WindowRegistry::shared().captureFinalAndStop();
+    window->install(BrowserTab::create("https://later.example/", false), true);
+    WindowRegistry::shared().capture();
+    EXPECT_EQ(Vault::shared().snapshot()->windows[0].tabs.size(), 1u);
+}
+
+TEST_F(SessionTest, RestoreFollowsTheSettingAndClampsWhatItReads)
+{
+    Vault::shared().update([](VaultData& data) {
+        data.windows = { { {}, 0 }, { { "https://a.example/", "https://b.example/" }, 7, 50, 60, 100, 100 },
+            { { "https://c.example/" }, -3 } };
+        data.settings.restoreSession = false;
+    });
+    EXPECT_FALSE(WindowRegistry::shared().restoreSavedSession());
+    EXPECT_TRUE(WindowRegistry::shared().windows.empty());
+
+    Vault::shared().update([](VaultData& data) { data.settings.restoreSession = true; });
+    ASSERT_TRUE(WindowRegistry::shared().restoreSavedSession());
+    auto& windows = WindowRegistry::shared().windows;
+    ASSERT_EQ(windows.size(), 2u) << "a record without tabs opens no window";
+    EXPECT_EQ(windows[0]->activeIndex, 1u) << "an index past the end selects the last tab";
+    EXPECT_EQ(windows[1]->activeIndex, 0u);
+    EXPECT_TRUE(spinUntil([&] { return windows[0]->frame().width == 400 && windows[0]->frame().height == 300; }))
+        << "a saved 100 by 100 opens at 400 by 300";
+    EXPECT_FALSE(windows[1]->hasOwnPlacement);
+}
+
+TEST(WindowPlacement, SavedFramesMustBeReachable)
+{
+    std::vector<Rect> screens = { { 0, 0, 1600, 1000 }, { 1600, 0, 1280, 1024 } };
+    struct Row {
+        const char* name;
+        WindowSession session;
+        std::optional<Rect> expected;
+    };
+    std::vector<Row> rows = {
+        { "a missing value gives nothing", { {}, 0, 10, 10, 800, std::nullopt }, std::nullopt },
+        { "small sizes are raised", { {}, 0, 10, 20, 100, 100 }, Rect { 10, 20, 400, 300 } },
+        { "on the second screen", { {}, 0, 1700, 100, 800, 600 }, Rect { 1700, 100, 800, 600 } },
+        { "120 by 40 on a screen is enough", { {}, 0, 1480, 960, 800, 600 }, Rect { 1480, 960, 800, 600 } },
+        { "less is not", { {}, 0, 2800, 980, 800, 600 }, std::nullopt },
+        { "off every screen", { {}, 0, -5000, 0, 800, 600 }, std::nullopt },
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(WindowPlacement::frameFromSession(row.session, screens), row.expected);
+    }
+    EXPECT_EQ(WindowPlacement::defaultFrame(screens), (Rect { 200, 110, 1200, 780 }));
+    EXPECT_EQ(WindowPlacement::defaultFrame({}), (Rect { 0, 0, 1200, 780 }));
+}
+
+TEST(WindowPlacement, NewWindowsCascadeAndStayOnTheScreen)
+{
+    Rect screen { 0, 30, 1600, 970 };
+    struct Row {
+        const char* name;
+        Rect source;
+        bool zoomed;
+        Rect expected;
+    };
+    std::vector<Row> rows = {
+        { "24 each way", { 100, 100, 800, 600 }, false, { 124, 124, 800, 600 } },
+        { "pushed back from the right and bottom edges", { 900, 500, 800, 600 }, false, { 800, 400, 800, 600 } },
+        { "a maximised source cascades from the screen", { 0, 30, 1600, 970 }, true, { 0, 30, 1600, 970 } },
+        { "too large: the left and top edges win", { 0, 0, 2000, 1200 }, false, { 0, 30, 2000, 1200 } },
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(WindowPlacement::cascade(row.source, row.zoomed, screen), row.expected);
+    }
+    EXPECT_EQ(WindowPlacement::cascade({ 3000, 3000, 800, 600 }, false, std::nullopt), (Rect { 3024, 3024, 800, 600 }));
+}
