@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -43,7 +44,37 @@ public:
     std::size_t count() const;
 
 private:
-    // (private state is the implementer's)
+    // One entry with what the suggestions need prepared once, at record time rather than per keystroke.
+    struct Slot {
+        HistoryEntry entry;
+        std::string foldedUrl; // the lower-cased url, only when it isn't ASCII (ASCII folds while comparing)
+        std::string foldedTitle; // likewise for the title
+        std::uint32_t hostOffset = 0; // where the url without "scheme://" and one "www." starts, folded
+        bool asciiUrl = true;
+        bool asciiTitle = true;
+        bool inUse = false;
+    };
+    using SlotIndex = std::uint32_t;
+
+    void fill(Slot& slot, HistoryEntry entry);
+    void setTitle(Slot& slot, std::string title);
+    SlotIndex allocate(HistoryEntry entry);
+    void release(SlotIndex index);
+    void removeAll();
+    std::vector<HistoryEntry> copyEntries() const; // with m_lock held
+    void writeIfDirty();
+
+    SecureJsonFile<HistoryData> m_file;
+    mutable std::mutex m_lock;
+    // The entries live in slots that never move (a deque keeps addresses on growth), so the index can
+    // point into them; m_order lists the slots oldest first, so a visit appends and a revisit moves 4 bytes
+    // per newer entry, and no map is rebuilt.
+    std::deque<Slot> m_slots; // guarded by m_lock
+    std::vector<SlotIndex> m_freeSlots; // guarded by m_lock
+    std::vector<SlotIndex> m_order; // guarded by m_lock; oldest visit first, newest last
+    std::unordered_map<std::string_view, SlotIndex> m_index; // guarded by m_lock; url -> slot
+    bool m_isDirty = false; // guarded by m_lock
+    DebouncedFlush m_flush; // last: its queue ends before the state above goes
 };
 
 } // namespace velder
