@@ -243,7 +243,8 @@ std::optional<std::string> origin(std::string_view url)
     }
     std::string result = lowerScheme + "://" + std::string(*parts->host);
     if (parts->port) {
-        result += ":" + std::to_string(*parts->port);
+        result += ':';
+        result += std::to_string(*parts->port);
     }
     return result;
 }

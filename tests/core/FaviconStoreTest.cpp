@@ -108,7 +108,7 @@ TEST(FaviconStore, The201stSiteEvictsTheOldest)
     // Stored in an order unlike their age: site 150 is the oldest.
     for (int i = 0; i < 200; ++i) {
         int site = (i + 150) % 200;
-        ASSERT_TRUE(favicons.store(png, "s" + std::to_string(site) + ".example"));
+        ASSERT_TRUE(favicons.store(png, numbered("s", site) + ".example"));
         clock.advance(1s);
     }
     EXPECT_EQ(favicons.count(), 200u);
@@ -147,7 +147,7 @@ TEST(FaviconStore, LoadDropsEmptyEntriesAndTrimsWithoutWriting)
     FaviconData stored;
     Date base = *parseIso8601("2026-01-01T00:00:00Z");
     for (int i = 0; i < 203; ++i) {
-        stored.icons["s" + std::to_string(i)] = { "image/png", "iVBORw0KGgo=", base + std::chrono::seconds(i) };
+        stored.icons[numbered("s", i)] = { "image/png", "iVBORw0KGgo=", base + std::chrono::seconds(i) };
     }
     stored.icons[""] = { "image/png", "iVBORw0KGgo=", base + 1000s };
     stored.icons["empty.example"] = { "image/png", "", base + 1000s };

@@ -90,11 +90,11 @@ TEST(TopSites, PinsComeFirstAndHistoryFillsUpToTwelve)
         SCOPED_TRACE(c.pins);
         ScopedStores stores;
         for (int i = 0; i < 20; ++i) {
-            visit(stores.history(), "https://h" + std::to_string(i) + ".example/", 20 - i, daysAgo(0));
+            visit(stores.history(), numbered("https://h", i) + ".example/", 20 - i, daysAgo(0));
         }
         stores.vault().update([&](VaultData& data) {
             for (int i = 0; i < c.pins; ++i) {
-                data.dashboardPins.push_back({ "p" + std::to_string(i) + ".example", "https://p/", std::nullopt });
+                data.dashboardPins.push_back({ numbered("p", i) + ".example", "https://p/", std::nullopt });
             }
         });
         auto tiles = TopSites::current();
@@ -176,18 +176,18 @@ TEST(TopSites, Limits)
 {
     ScopedStores stores;
     for (int i = 0; i < 26; ++i) {
-        visit(stores.history(), "https://s" + std::to_string(i) + ".example/", 1, daysAgo(0));
+        visit(stores.history(), numbered("https://s", i) + ".example/", 1, daysAgo(0));
     }
     stores.vault().update([](VaultData& data) { data.dashboardIgnored = { "s25.example" }; });
     for (int i = 0; i < 26; ++i) {
-        TopSites::pin("s" + std::to_string(i) + ".example");
+        TopSites::pin(numbered("s", i) + ".example");
     }
     auto snapshot = stores.vault().snapshot();
     EXPECT_EQ(snapshot->dashboardPins.size(), 24u) << "the 25th pin is refused";
     EXPECT_TRUE(snapshot->dashboardIgnored.empty()) << "a refused pin still leaves the ignored list";
 
     for (int i = 0; i < 201; ++i) {
-        TopSites::ignore("i" + std::to_string(i) + ".example");
+        TopSites::ignore(numbered("i", i) + ".example");
     }
     snapshot = stores.vault().snapshot();
     ASSERT_EQ(snapshot->dashboardIgnored.size(), 200u);
