@@ -126,11 +126,6 @@ bool isAscii(std::string_view text)
     return true;
 }
 
-char asciiLower(char c)
-{
-    return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-
 std::string asciiLowercased(std::string_view text)
 {
     std::string result(text);

@@ -15,7 +15,10 @@ std::string_view trimmed(std::string_view text);
 std::string_view trimmedBlanks(std::string_view text);
 
 bool isAscii(std::string_view text);
-char asciiLower(char c);
+inline char asciiLower(char c)
+{
+    return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + ('a' - 'A')) : c;
+}
 std::string asciiLowercased(std::string_view text);
 bool asciiEqualsIgnoringCase(std::string_view a, std::string_view b);
 bool asciiStartsWithIgnoringCase(std::string_view text, std::string_view prefix);

@@ -60,7 +60,7 @@ TEST(HistoryStore, TheLimitDropsTheOldestVisits)
     stores.setSettings([](AppSettings& s) { s.maxHistory = 3; });
     auto& history = stores.history();
     for (int i = 0; i < 3; ++i) {
-        history.record("https://" + std::to_string(i) + ".example/", "", at(i));
+        history.record(numbered("https://", i) + ".example/", "", at(i));
     }
     history.record("https://0.example/", "", at(10)); // a revisit at the limit drops nothing
     EXPECT_EQ(urls(history.entries()),
@@ -184,6 +184,25 @@ TEST(HistoryStore, SuggestionTiers)
     EXPECT_TRUE(history.suggestions("exa", 0).empty());
 }
 
+// The search compares eight bytes at a time: the query must be found at any offset and in any case,
+// and the bytes that fold onto a letter's neighbours ("@" and "`" around "a") must not fool it.
+TEST(HistoryStore, ContainsFindsTheQueryAtEveryOffset)
+{
+    for (size_t offset = 0; offset < 20; ++offset) {
+        SCOPED_TRACE(offset);
+        ScopedStores stores;
+        std::string padding(offset, '@');
+        stores.history().record("zz://" + padding + "XAmPle@AMPL`", "", at(0));
+        stores.history().record("zz://" + padding + "xamp" + std::string(9, 'a'), "", at(1));
+        EXPECT_EQ(urls(stores.history().suggestions("ample", 8)),
+            std::vector<std::string> { "zz://" + padding + "XAmPle@AMPL`" });
+        EXPECT_EQ(stores.history().suggestions("ampl`", 8).size(), 1u);
+        EXPECT_EQ(stores.history().suggestions("aaaaaaaaa", 8).size(), 1u);
+        EXPECT_TRUE(stores.history().suggestions("ampla", 8).empty());
+        EXPECT_TRUE(stores.history().suggestions("`", 8).size() == 1u);
+    }
+}
+
 TEST(HistoryStore, SuggestionTiesGoToVisitsThenDateThenStoreOrder)
 {
     ScopedStores stores;
@@ -239,7 +258,7 @@ TEST(HistoryStore, ABurstOfVisitsIsWrittenOnceAfterTheDebounce)
 {
     ScopedStores stores;
     for (int i = 0; i < 20; ++i) {
-        stores.history().record("https://" + std::to_string(i) + ".example/", "", at(i));
+        stores.history().record(numbered("https://", i) + ".example/", "", at(i));
     }
     std::this_thread::sleep_for(1500ms);
     EXPECT_FALSE(fileExists(AppInfo::historyFile())) << "two seconds after the last change, not before";
@@ -297,10 +316,10 @@ TEST(HistoryStore, AgreesWithAPlainListUnderRandomOperations)
     std::vector<HistoryEntry> model; // newest first
     std::mt19937 random(7);
     for (int step = 0; step < 4000; ++step) {
-        std::string url = "https://s" + std::to_string(random() % 60) + ".example/";
+        std::string url = numbered("https://s", random() % 60) + ".example/";
         int what = static_cast<int>(random() % 100);
         if (what < 80) {
-            std::string title = random() % 3 == 0 ? "t" + std::to_string(step) : "";
+            std::string title = random() % 3 == 0 ? numbered("t", step) : "";
             stores.history().record(url, title, at(step));
             auto found = std::find_if(model.begin(), model.end(), [&](auto& e) { return e.url == url; });
             HistoryEntry entry { url, title, at(step), 1 };
@@ -318,7 +337,7 @@ TEST(HistoryStore, AgreesWithAPlainListUnderRandomOperations)
                 model.resize(40);
             }
         } else if (what < 98) {
-            std::string title = "u" + std::to_string(step);
+            std::string title = numbered("u", step);
             stores.history().updateTitle(title, url);
             for (auto& e : model) {
                 if (e.url == url) {
@@ -331,6 +350,21 @@ TEST(HistoryStore, AgreesWithAPlainListUnderRandomOperations)
         }
         if (step % 97 == 0) {
             ASSERT_EQ(stores.history().entries(), model) << "at step " << step;
+            // The search sees exactly the live entries, whichever way it selects.
+            std::string query = numbered("s", static_cast<long long>(random() % 6));
+            auto all = stores.history().suggestions(query, 1000);
+            std::vector<std::string> expected;
+            for (const auto& e : model) {
+                if (e.url.find(query) != std::string::npos) {
+                    expected.push_back(e.url);
+                }
+            }
+            auto found = urls(all);
+            std::sort(found.begin(), found.end());
+            std::sort(expected.begin(), expected.end());
+            ASSERT_EQ(found, expected) << "at step " << step;
+            auto top = stores.history().suggestions(query, 8);
+            ASSERT_EQ(top, std::vector<HistoryEntry>(all.begin(), all.begin() + std::min<size_t>(8, all.size())));
         }
     }
     EXPECT_EQ(stores.history().entries(), model);
