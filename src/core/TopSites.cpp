@@ -50,22 +50,21 @@ double score(const TopSite& site, Date now)
 
 std::vector<TopSite> fromHistory()
 {
-    std::vector<HistoryEntry> entries = HistoryStore::shared().entries();
     std::vector<TopSite> sites;
     std::vector<std::int64_t> bestCounts; // the highest single-entry count of each site
     std::unordered_map<std::string, size_t> positions;
     std::string key;
-    for (auto& entry : entries) {
+    // A digest under the history's lock: only what a site keeps is copied, not every entry.
+    HistoryStore::shared().forEachEntry([&](const HistoryEntry& entry) {
         if (!siteKeyOf(entry.url, key)) {
-            continue;
+            return;
         }
         auto found = positions.find(key);
         if (found == positions.end()) {
             positions.emplace(key, sites.size());
-            sites.push_back(
-                { key, std::move(entry.url), std::move(entry.title), entry.visitCount, entry.lastVisitUtc, false });
+            sites.push_back({ key, entry.url, entry.title, entry.visitCount, entry.lastVisitUtc, false });
             bestCounts.push_back(entry.visitCount);
-            continue;
+            return;
         }
         TopSite& site = sites[found->second];
         site.visits += entry.visitCount;
@@ -73,10 +72,10 @@ std::vector<TopSite> fromHistory()
         // A tile opens its site's most visited page; of pages that tie, the most recently visited.
         if (entry.visitCount > bestCounts[found->second]) {
             bestCounts[found->second] = entry.visitCount;
-            site.url = std::move(entry.url);
-            site.title = std::move(entry.title);
+            site.url = entry.url;
+            site.title = entry.title;
         }
-    }
+    });
     // One clock reading for the whole sort keeps the order consistent.
     Date now = velder::now();
     std::vector<std::pair<double, size_t>> scored;

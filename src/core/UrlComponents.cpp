@@ -50,9 +50,18 @@ std::optional<UrlComponents> UrlComponents::parse(std::string_view text)
     std::string_view rest = text;
 
     // A scheme stands before the first ":" that comes before any "/", "?" or "#".
-    size_t colon = text.find(':');
-    size_t delimiter = text.find_first_of("/?#");
-    if (colon != std::string_view::npos && colon > 0 && (delimiter == std::string_view::npos || colon < delimiter)) {
+    size_t colon = std::string_view::npos;
+    for (size_t i = 0; i < text.size(); ++i) {
+        char c = text[i];
+        if (c == ':') {
+            colon = i;
+            break;
+        }
+        if (c == '/' || c == '?' || c == '#') {
+            break;
+        }
+    }
+    if (colon != std::string_view::npos && colon > 0) {
         std::string_view candidate = text.substr(0, colon);
         bool valid = isAlpha(candidate[0]);
         for (char c : candidate) {
@@ -69,12 +78,15 @@ std::optional<UrlComponents> UrlComponents::parse(std::string_view text)
         return result;
     }
     rest.remove_prefix(2);
-    std::string_view authority = rest.substr(0, rest.find_first_of("/?#"));
-    for (char c : authority) {
-        if (isForbiddenInAuthority(c)) {
+    size_t authorityEnd = 0;
+    while (authorityEnd < rest.size() && rest[authorityEnd] != '/' && rest[authorityEnd] != '?'
+        && rest[authorityEnd] != '#') {
+        if (isForbiddenInAuthority(rest[authorityEnd])) {
             return std::nullopt;
         }
+        ++authorityEnd;
     }
+    std::string_view authority = rest.substr(0, authorityEnd);
     if (size_t at = authority.rfind('@'); at != std::string_view::npos) {
         authority.remove_prefix(at + 1);
     }
