@@ -27,7 +27,10 @@ std::string localDate(Date date)
 
 std::string ago(Date then, Date now)
 {
-    auto seconds = std::chrono::duration_cast<std::chrono::seconds>(now - then).count();
+    // Whole seconds on each side first: the difference of two far-apart dates overflows the clock's count.
+    using std::chrono::floor;
+    std::int64_t seconds = floor<std::chrono::seconds>(now).time_since_epoch().count()
+        - floor<std::chrono::seconds>(then).time_since_epoch().count();
     if (seconds < 60) {
         return "just now";
     }
