@@ -1,0 +1,228 @@
+#include "WidgetTestSupport.h"
+
+#include "shell/FindBar.h"
+
+namespace velder::test {
+namespace {
+
+class FindBarTest : public WidgetTest {
+protected:
+    void SetUp() override
+    {
+        WidgetTest::SetUp();
+        bar = std::make_unique<FindBar>();
+        bar->onQueryChanged = [this](const std::string& text) { calls.push_back("query " + text); };
+        bar->onNext = [this] { calls.push_back("next"); };
+        bar->onPrev = [this] { calls.push_back("prev"); };
+        bar->onClose = [this] { calls.push_back("close"); };
+    }
+
+    void TearDown() override
+    {
+        WidgetTest::TearDown();
+        bar.reset();
+    }
+
+    // The bar alone in a window, shown as open() shows it.
+    void hostShown()
+    {
+        gtk_widget_set_visible(bar->widget(), TRUE);
+        host(bar->widget(), FindBar::width, FindBar::height);
+    }
+
+    void setText(const std::string& text)
+    {
+        gtk_editable_set_text(GTK_EDITABLE(bar->field()), text.c_str());
+        calls.clear();
+    }
+
+    // The bar in a window beside a button that holds the focus until the bar takes it.
+    void hostWithNeighbour()
+    {
+        GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+        neighbour = gtk_button_new_with_label("Page");
+        gtk_box_append(GTK_BOX(box), neighbour);
+        gtk_box_append(GTK_BOX(box), bar->widget());
+        bar->open();
+        hostIn(box, bar->widget(), 330, 100);
+        bar->hide();
+        gtk_widget_grab_focus(neighbour);
+        calls.clear();
+    }
+
+    std::unique_ptr<FindBar> bar;
+    GtkWidget* neighbour = nullptr;
+    std::vector<std::string> calls;
+};
+
+TEST_F(FindBarTest, SetResultWritesTheCountAndEnablesTheButtons)
+{
+    struct Row {
+        const char* text;
+        int count, active;
+        const char* label;
+        bool enabled;
+    };
+    const Row rows[] = {
+        { "", 0, 0, "", false }, // an empty search
+        { "", 4, 1, "", true },
+        { "needle", 0, 0, "0", false }, // no match
+        { "needle", 12, 3, "3/12", true },
+        { "needle", 1, 1, "1/1", true },
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::Message() << "'" << row.text << "', " << row.active << " of " << row.count);
+        setText(row.text);
+        bar->setResult(row.count, row.active);
+        EXPECT_EQ(bar->countText(), row.label);
+        EXPECT_EQ(bar->previousButton().isEnabledButton(), row.enabled);
+        EXPECT_EQ(bar->nextButton().isEnabledButton(), row.enabled);
+    }
+}
+
+TEST_F(FindBarTest, ADisabledButtonLosesItsHover)
+{
+    setText("needle");
+    bar->setResult(3, 1);
+    bar->nextButton().pointerEntered();
+    ASSERT_TRUE(bar->nextButton().isHovered());
+    bar->setResult(0, 0);
+    EXPECT_FALSE(bar->nextButton().isHovered());
+}
+
+TEST_F(FindBarTest, KeysInTheField)
+{
+    struct Row {
+        const char* name;
+        guint keyval;
+        GdkModifierType modifiers;
+        bool consumed;
+        std::vector<std::string> calls;
+    };
+    const Row rows[] = {
+        { "Return", GDK_KEY_Return, GdkModifierType(0), true, { "next" } },
+        { "keypad Enter", GDK_KEY_KP_Enter, GdkModifierType(0), true, { "next" } },
+        { "Shift+Return", GDK_KEY_Return, GDK_SHIFT_MASK, true, { "prev" } },
+        { "Escape", GDK_KEY_Escape, GdkModifierType(0), true, { "close" } },
+        { "a letter", GDK_KEY_n, GdkModifierType(0), false, {} },
+        { "Down", GDK_KEY_Down, GdkModifierType(0), false, {} },
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        calls.clear();
+        EXPECT_EQ(bar->handleKey(row.keyval, row.modifiers), row.consumed);
+        EXPECT_EQ(calls, row.calls);
+    }
+    bar->onNext = nullptr;
+    EXPECT_TRUE(bar->handleKey(GDK_KEY_Return, GdkModifierType(0))) << "Return is the bar's even unwired";
+}
+
+TEST_F(FindBarTest, EditsAndButtonsReport)
+{
+    GtkEditable* field = GTK_EDITABLE(bar->field());
+    int position = 0;
+    gtk_editable_insert_text(field, "ne", -1, &position);
+    gtk_editable_insert_text(field, "e", -1, &position);
+    EXPECT_EQ(calls, (std::vector<std::string> { "query ne", "query nee" }));
+
+    calls.clear();
+    hostShown();
+    bar->nextButton().press();
+    bar->nextButton().release(5, 5);
+    EXPECT_TRUE(calls.empty()) << "without matches, next does nothing";
+    bar->setResult(2, 1);
+    for (ChromeButton* button : { &bar->previousButton(), &bar->nextButton(), &bar->closeButton() }) {
+        button->press();
+        button->release(5, 5);
+    }
+    EXPECT_EQ(calls, (std::vector<std::string> { "prev", "next", "close" }));
+}
+
+TEST_F(FindBarTest, OpenFocusesTheFieldAndSearchesAgain)
+{
+    hostWithNeighbour();
+    EXPECT_FALSE(bar->isShowing());
+    bar->open();
+    EXPECT_TRUE(bar->isShowing());
+    EXPECT_TRUE(runUntil([&] { return gtk_widget_is_focus(bar->field()); }));
+    EXPECT_TRUE(calls.empty()) << "an empty field searches nothing";
+
+    setText("needle");
+    bar->setResult(3, 1);
+    bar->hide();
+    EXPECT_FALSE(bar->isShowing());
+    EXPECT_EQ(bar->countText(), "");
+    EXPECT_EQ(bar->text(), "needle") << "the text stays";
+    gtk_widget_grab_focus(neighbour);
+
+    bar->open();
+    EXPECT_EQ(calls, std::vector<std::string> { "query needle" });
+    EXPECT_TRUE(runUntil([&] { return gtk_widget_is_focus(bar->field()); }));
+    int start = 0, end = 0;
+    gtk_editable_get_selection_bounds(GTK_EDITABLE(bar->field()), &start, &end);
+    EXPECT_EQ(start, 0);
+    EXPECT_EQ(end, 6);
+}
+
+TEST_F(FindBarTest, Layout)
+{
+    hostShown();
+    struct Row {
+        const char* name;
+        GtkWidget* child;
+        graphene_rect_t frame;
+    };
+    const Row rows[] = {
+        { "close", bar->closeButton().widget(), GRAPHENE_RECT_INIT(301, 7, 22, 22) },
+        { "next", bar->nextButton().widget(), GRAPHENE_RECT_INIT(277, 7, 22, 22) },
+        { "previous", bar->previousButton().widget(), GRAPHENE_RECT_INIT(253, 7, 22, 22) },
+        { "count", bar->countLabel(), GRAPHENE_RECT_INIT(203, 11, 46, 15) },
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        graphene_rect_t frame;
+        ASSERT_TRUE(gtk_widget_compute_bounds(row.child, bar->widget(), &frame));
+        EXPECT_TRUE(graphene_rect_equal(&frame, &row.frame))
+            << frame.origin.x << "," << frame.origin.y << " " << frame.size.width << "x" << frame.size.height;
+    }
+    graphene_rect_t field;
+    ASSERT_TRUE(gtk_widget_compute_bounds(bar->field(), bar->widget(), &field));
+    EXPECT_EQ(field.origin.x, 12);
+    EXPECT_EQ(field.size.width, 187);
+    EXPECT_NEAR(field.origin.y + field.size.height / 2, 18, 1);
+}
+
+TEST_F(FindBarTest, TheOutlineIsThePassiveColourMadeReadable)
+{
+    struct Row {
+        const char* passive;
+        const char* field;
+        Color fieldColor;
+        Color ink; // the passive colour after the contrast rule
+        Color edge; // the ink at 0.45 over the field
+    };
+    const Row rows[] = {
+        // Silver stays on charcoal: 64 * 0.55 + 192 * 0.45 = 122.
+        { "silver", "charcoal", Color::fromHex(0x404040), Color::fromHex(0xC0C0C0), rgb(122, 122, 122) },
+        // Grey on charcoal is too faint and becomes white: 64 * 0.55 + 255 * 0.45 = 150.
+        { "grey", "charcoal", Color::fromHex(0x404040), Color::fromHex(0xFFFFFF), rgb(150, 150, 150) },
+        // Grey on white stays: 255 * 0.55 + 128 * 0.45 = 198.
+        { "grey", "white", Color::fromHex(0xFFFFFF), Color::fromHex(0x808080), rgb(198, 198, 198) },
+    };
+    hostShown();
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.passive << " on " << row.field);
+        setColors("cyan", "magenta", row.passive, row.field, "gunmetal");
+        Rendering image = render(bar->widget(), row.fieldColor);
+        EXPECT_TRUE(pixelIs(image.at(150, 0), row.edge)) << "the top edge";
+        EXPECT_TRUE(pixelIs(image.at(0, 18), row.edge)) << "the left edge";
+        EXPECT_TRUE(pixelIs(image.at(150, 4), row.fieldColor)) << "the inside";
+        // The close button's symbol, 14 pixels square in the middle of its 22.
+        EXPECT_TRUE(pixelIs(image.farthestFrom(row.fieldColor, 305, 11, 14, 14), row.ink, 3));
+    }
+    Rendering corners = render(bar->widget(), Color::fromHex(0xFF00FF));
+    EXPECT_TRUE(pixelIs(corners.at(0, 0), Color::fromHex(0xFF00FF))) << "the corners are round";
+}
+
+} // namespace
+} // namespace velder::test

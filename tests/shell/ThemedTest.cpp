@@ -1,0 +1,74 @@
+#include "WidgetTestSupport.h"
+
+#include "core/NotificationCenter.h"
+#include "core/Theme.h"
+#include "shell/Themed.h"
+
+#include <thread>
+
+namespace velder::test {
+namespace {
+
+class ThemedTest : public WidgetTest {
+protected:
+    void post() { NotificationCenter::defaultCenter().post(Theme::didChangeNotification); }
+};
+
+TEST_F(ThemedTest, AppliesOnEachPostUntilTheTokenGoes)
+{
+    GtkWidget* widget = g_object_ref_sink(gtk_label_new(""));
+    int applied = 0;
+    auto token = Themed::subscribeToTheme(widget, [&] { ++applied; });
+    post();
+    post();
+    EXPECT_EQ(applied, 2);
+    token.remove();
+    post();
+    EXPECT_EQ(applied, 2);
+    g_object_unref(widget);
+}
+
+TEST_F(ThemedTest, APostFromAnotherThreadIsAppliedOnTheMainThread)
+{
+    GtkWidget* widget = g_object_ref_sink(gtk_label_new(""));
+    std::thread::id appliedOn;
+    int applied = 0;
+    auto token = Themed::subscribeToTheme(widget, [&] {
+        ++applied;
+        appliedOn = std::this_thread::get_id();
+    });
+    std::thread poster([this] { post(); });
+    poster.join();
+    EXPECT_TRUE(runUntil([&] { return applied == 1; }));
+    EXPECT_EQ(appliedOn, std::this_thread::get_id());
+    g_object_unref(widget);
+}
+
+TEST_F(ThemedTest, AHopStillQueuedWhenTheTokenGoesDoesNothing)
+{
+    GtkWidget* widget = g_object_ref_sink(gtk_label_new(""));
+    int applied = 0;
+    auto token = Themed::subscribeToTheme(widget, [&] { ++applied; });
+    std::thread poster([this] { post(); });
+    poster.join();
+    token = {};
+    drain();
+    EXPECT_EQ(applied, 0);
+    g_object_unref(widget);
+}
+
+TEST_F(ThemedTest, AWidgetThatHasGoneIsNotCalled)
+{
+    GtkWidget* widget = g_object_ref_sink(gtk_label_new(""));
+    int applied = 0;
+    auto token = Themed::subscribeToTheme(widget, [&] { ++applied; });
+    g_object_unref(widget);
+    post();
+    std::thread poster([this] { post(); });
+    poster.join();
+    drain();
+    EXPECT_EQ(applied, 0);
+}
+
+} // namespace
+} // namespace velder::test

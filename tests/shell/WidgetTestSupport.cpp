@@ -1,0 +1,265 @@
+#include "WidgetTestSupport.h"
+
+#include "core/Notification.h"
+#include "core/NotificationCenter.h"
+#include "core/Theme.h"
+#include "core/Vault.h"
+
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <ostream>
+
+namespace velder::test {
+
+std::ostream& operator<<(std::ostream& out, const Pixel& pixel)
+{
+    return out << "rgba(" << pixel.red << "," << pixel.green << "," << pixel.blue << "," << pixel.alpha << ")";
+}
+
+Rendering::Rendering(int width, int height, std::vector<unsigned char> bgra)
+    : m_width(width)
+    , m_height(height)
+    , m_bgra(std::move(bgra))
+{
+}
+
+Pixel Rendering::at(int x, int y) const
+{
+    if (x < 0 || y < 0 || x >= m_width || y >= m_height) {
+        ADD_FAILURE() << "pixel " << x << "," << y << " lies outside the " << m_width << "x" << m_height
+                      << " rendering";
+        return {};
+    }
+    const unsigned char* p = &m_bgra[(static_cast<size_t>(y) * m_width + x) * 4];
+    Pixel pixel { p[2], p[1], p[0], p[3] };
+    if (pixel.alpha > 0 && pixel.alpha < 255) {
+        pixel.red = pixel.red * 255 / pixel.alpha;
+        pixel.green = pixel.green * 255 / pixel.alpha;
+        pixel.blue = pixel.blue * 255 / pixel.alpha;
+    }
+    return pixel;
+}
+
+static int distance(const Pixel& pixel, Color color)
+{
+    return std::abs(pixel.red - static_cast<int>(std::lround(color.red * 255)))
+        + std::abs(pixel.green - static_cast<int>(std::lround(color.green * 255)))
+        + std::abs(pixel.blue - static_cast<int>(std::lround(color.blue * 255)));
+}
+
+Pixel Rendering::farthestFrom(Color from, int x, int y, int width, int height) const
+{
+    Pixel best = at(x, y);
+    for (int row = y; row < y + height; ++row) {
+        for (int column = x; column < x + width; ++column) {
+            Pixel pixel = at(column, row);
+            if (distance(pixel, from) > distance(best, from)) {
+                best = pixel;
+            }
+        }
+    }
+    return best;
+}
+
+int Rendering::countNear(Color color, int tolerance, int x, int y, int width, int height) const
+{
+    int count = 0;
+    for (int row = y; row < y + height; ++row) {
+        for (int column = x; column < x + width; ++column) {
+            count += near(at(column, row), color, tolerance);
+        }
+    }
+    return count;
+}
+
+bool near(const Pixel& pixel, Color color, int tolerance)
+{
+    return std::abs(pixel.red - static_cast<int>(std::lround(color.red * 255))) <= tolerance
+        && std::abs(pixel.green - static_cast<int>(std::lround(color.green * 255))) <= tolerance
+        && std::abs(pixel.blue - static_cast<int>(std::lround(color.blue * 255))) <= tolerance;
+}
+
+::testing::AssertionResult pixelIs(const Pixel& pixel, Color color, int tolerance)
+{
+    if (near(pixel, color, tolerance)) {
+        return ::testing::AssertionSuccess();
+    }
+    return ::testing::AssertionFailure() << pixel << " is not within " << tolerance << " of rgb("
+                                         << std::lround(color.red * 255) << "," << std::lround(color.green * 255) << ","
+                                         << std::lround(color.blue * 255) << ")";
+}
+
+Color rgb(int red, int green, int blue)
+{
+    return { red / 255.0, green / 255.0, blue / 255.0, 1 };
+}
+
+void WidgetTest::SetUp()
+{
+    static bool started = [] {
+        gtk_init();
+        // The chrome is always dark, whatever the desktop prefers.
+        g_object_set(gtk_settings_get_default(), "gtk-application-prefer-dark-theme", TRUE, nullptr);
+        return true;
+    }();
+    ASSERT_TRUE(started);
+    m_profile = std::make_unique<TestProfile>();
+    m_vault = std::make_shared<Vault>(m_profile->root().file("vault.bin"), testDataKey());
+    Vault::setShared(m_vault);
+}
+
+void WidgetTest::TearDown()
+{
+    for (GtkWindow* window : m_windows) {
+        gtk_window_destroy(window);
+    }
+    m_windows.clear();
+    drain();
+}
+
+void WidgetTest::setColors(const std::string& text, const std::string& highlight, const std::string& passive,
+    const std::string& field, const std::string& border)
+{
+    m_vault->update([&](VaultData& data) {
+        data.settings.textColor = text;
+        data.settings.highlightColor = highlight;
+        data.settings.passiveColor = passive;
+        data.settings.fieldColor = field;
+        data.settings.borderColor = border;
+    });
+    NotificationCenter::defaultCenter().post(Theme::didChangeNotification);
+}
+
+GtkWindow* WidgetTest::host(GtkWidget* widget, int width, int height)
+{
+    return hostIn(widget, widget, width, height);
+}
+
+GtkWindow* WidgetTest::hostIn(GtkWidget* container, GtkWidget* child, int width, int height)
+{
+    GtkWidget* window = gtk_window_new();
+    gtk_window_set_decorated(GTK_WINDOW(window), FALSE);
+    // The tests drive the widgets' entry points themselves; the real pointer must not reach them too.
+    gtk_widget_set_can_target(window, FALSE);
+    gtk_window_set_default_size(GTK_WINDOW(window), width, height);
+    gtk_window_set_child(GTK_WINDOW(window), container);
+    gtk_window_present(GTK_WINDOW(window));
+    m_windows.push_back(GTK_WINDOW(window));
+    bool laidOut = runUntil([&] {
+        return gtk_widget_get_mapped(child) && gtk_widget_get_width(container) == width
+            && gtk_widget_get_height(container) == height;
+    });
+    EXPECT_TRUE(laidOut) << "the window never laid its child out at " << width << "x" << height << " (got "
+                         << gtk_widget_get_width(container) << "x" << gtk_widget_get_height(container) << ")";
+    return GTK_WINDOW(window);
+}
+
+void WidgetTest::settle(GtkWidget* widget)
+{
+    // Layout runs in the frame after a change; two frame ticks mean that one full frame has passed.
+    int ticks = 0;
+    guint id = gtk_widget_add_tick_callback(
+        widget,
+        [](GtkWidget*, GdkFrameClock*, gpointer data) -> gboolean {
+            ++*static_cast<int*>(data);
+            return G_SOURCE_CONTINUE;
+        },
+        &ticks, nullptr);
+    bool passed = runUntil([&] { return ticks >= 2; });
+    gtk_widget_remove_tick_callback(widget, id);
+    EXPECT_TRUE(passed) << "no frame passed";
+    drain();
+}
+
+namespace {
+
+struct PendingRendering {
+    GtkWidget* widget;
+    Color background;
+    GskRenderNode* node = nullptr;
+    int width = 0;
+    int height = 0;
+};
+
+// Right after a frame was painted, every widget holds the picture it just drew; a moment later a timer
+// (the update slot's spinner) may already have thrown it away for the next frame.
+void takePicture(GdkFrameClock*, gpointer data)
+{
+    auto* pending = static_cast<PendingRendering*>(data);
+    if (pending->node) {
+        return;
+    }
+    pending->width = gtk_widget_get_width(pending->widget);
+    pending->height = gtk_widget_get_height(pending->widget);
+    GtkSnapshot* snapshot = gtk_snapshot_new();
+    GdkRGBA fill = { static_cast<float>(pending->background.red), static_cast<float>(pending->background.green),
+        static_cast<float>(pending->background.blue), 1 };
+    graphene_rect_t area
+        = GRAPHENE_RECT_INIT(0, 0, static_cast<float>(pending->width), static_cast<float>(pending->height));
+    gtk_snapshot_append_color(snapshot, &fill, &area);
+    GdkPaintable* paintable = gtk_widget_paintable_new(pending->widget);
+    gdk_paintable_snapshot(paintable, snapshot, pending->width, pending->height);
+    g_object_unref(paintable);
+    pending->node = gtk_snapshot_free_to_node(snapshot);
+}
+
+} // namespace
+
+Rendering WidgetTest::render(GtkWidget* widget, Color background)
+{
+    PendingRendering pending { widget, background };
+    GdkFrameClock* clock = gtk_widget_get_frame_clock(widget);
+    if (!clock) {
+        ADD_FAILURE() << "the widget isn't in a window";
+        return Rendering(0, 0, {});
+    }
+    gulong handler = g_signal_connect(clock, "after-paint", G_CALLBACK(takePicture), &pending);
+    gtk_widget_queue_draw(widget);
+    bool painted = runUntil([&] { return pending.node != nullptr; });
+    g_signal_handler_disconnect(clock, handler);
+    if (!painted) {
+        ADD_FAILURE() << "the window never painted";
+        return Rendering(0, 0, {});
+    }
+    int width = pending.width;
+    int height = pending.height;
+    graphene_rect_t area = GRAPHENE_RECT_INIT(0, 0, static_cast<float>(width), static_cast<float>(height));
+    GskRenderNode* node = pending.node;
+
+    GskRenderer* renderer = gsk_cairo_renderer_new();
+    GError* error = nullptr;
+    if (!gsk_renderer_realize(renderer, nullptr, &error)) {
+        ADD_FAILURE() << "cannot realize a renderer: " << (error ? error->message : "?");
+        g_clear_error(&error);
+    }
+    GdkTexture* texture = gsk_renderer_render_texture(renderer, node, &area);
+    std::vector<unsigned char> bgra(static_cast<size_t>(width) * height * 4);
+    gdk_texture_download(texture, bgra.data(), static_cast<size_t>(width) * 4);
+    g_object_unref(texture);
+    gsk_render_node_unref(node);
+    gsk_renderer_unrealize(renderer);
+    g_object_unref(renderer);
+    return Rendering(width, height, std::move(bgra));
+}
+
+bool WidgetTest::runUntil(const std::function<bool()>& condition, int milliseconds)
+{
+    auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() >= deadline) {
+            return condition();
+        }
+        if (!g_main_context_iteration(nullptr, FALSE)) {
+            g_usleep(2000);
+        }
+    }
+    return true;
+}
+
+void WidgetTest::drain()
+{
+    for (int i = 0; i < 1000 && g_main_context_iteration(nullptr, FALSE); ++i) { }
+}
+
+} // namespace velder::test
