@@ -6,9 +6,18 @@ namespace velder {
 
 using namespace std::chrono;
 
+namespace {
+
+// The clock counts nanoseconds in 64 bits, which reaches from 1677 to 2262. Dates outside, such as
+// another program's "distant past" of year 1, are held at the nearest whole year inside.
+constexpr sys_days earliestDay = year(1678) / January / 1;
+constexpr sys_days latestDay = year(2262) / January / 1;
+
+} // namespace
+
 Date distantPast()
 {
-    return Date(sys_days(year(1) / January / 1));
+    return Date(earliestDay);
 }
 
 std::string formatIso8601(Date date)
@@ -88,12 +97,19 @@ std::optional<Date> parseIso8601(std::string_view text)
         return std::nullopt;
     }
     auto moment = sys_days(ymd) + hours(h) + minutes(mi) + seconds(s) - seconds(offsetSeconds);
+    if (moment < earliestDay) {
+        return Date(earliestDay);
+    }
+    if (moment > latestDay) {
+        return Date(latestDay);
+    }
     return Date(moment);
 }
 
 double secondsBetween(Date earlier, Date later)
 {
-    return duration<double>(later - earlier).count();
+    // Each side on its own: the difference of two far-apart dates overflows the clock's 64-bit count.
+    return duration<double>(later.time_since_epoch()).count() - duration<double>(earlier.time_since_epoch()).count();
 }
 
 } // namespace velder

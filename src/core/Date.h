@@ -15,13 +15,14 @@ inline Date now()
     return std::chrono::system_clock::now();
 }
 
-// The earliest date a record can hold, for "never visited".
+// The earliest date a record can hold (1678-01-01), for "never visited".
 Date distantPast();
 
 // "2026-11-20T08:00:00Z": whole seconds (fractions are dropped), UTC.
 std::string formatIso8601(Date date);
 
-// Reads "YYYY-MM-DDTHH:MM:SSZ" or the same with a "+HH:MM"/"-HH:MM" offset; nothing else.
+// Reads "YYYY-MM-DDTHH:MM:SSZ" or the same with a "+HH:MM"/"-HH:MM" offset; nothing else. Dates before
+// 1678 or after 2261 are held at those ends.
 std::optional<Date> parseIso8601(std::string_view text);
 
 // Seconds from `earlier` to `later`, as a double.

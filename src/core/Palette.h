@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/AppSettings.h"
 #include "core/Swatch.h"
 
 #include <string_view>
@@ -26,6 +27,13 @@ Color highlightColor();
 Color passiveColor();
 Color fieldColor();
 Color borderColor();
+
+// The same from settings already read, for a caller that needs several colours of one snapshot.
+Color textColor(const AppSettings& settings);
+Color highlightColor(const AppSettings& settings);
+Color passiveColor(const AppSettings& settings);
+Color fieldColor(const AppSettings& settings);
+Color borderColor(const AppSettings& settings);
 
 } // namespace Palette
 

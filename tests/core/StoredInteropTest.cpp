@@ -1,11 +1,15 @@
 // Files sealed by another implementation of the format (../shared/testdata/stored) must read the same.
 
 #include "core/AesGcm.h"
+#include "core/AppInfo.h"
+#include "core/FaviconStore.h"
+#include "core/HistoryStore.h"
 #include "core/KeychainKey.h"
 #include "core/Log.h"
 #include "core/Vault.h"
 #include "support/TestSupport.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 
 using namespace velder;
@@ -102,4 +106,75 @@ TEST(StoredInterop, BrokenVaultsStartFreshAndStayOnDisk)
         vault.flushNow();
         EXPECT_EQ(readBytes(dir.file("vault.bin")), bytes);
     }
+}
+
+TEST(StoredInterop, HistoryReadsAsWrittenKeepingTheFirstOfEachAddress)
+{
+    TestProfile profile;
+    std::filesystem::create_directories(AppInfo::dataDirectory());
+    copyFile(stored("history.bin"), AppInfo::historyFile());
+    auto vault = std::make_shared<Vault>(AppInfo::vaultFile(), testDataKey());
+    Vault::setShared(vault);
+    LogCapture log;
+    HistoryStore history(AppInfo::historyFile(), testDataKey());
+    EXPECT_TRUE(log.lines().empty());
+    auto entries = history.entries();
+    ASSERT_EQ(entries.size(), 3u);
+    EXPECT_EQ(entries[0], (HistoryEntry { "https://a.example/", "A <b>&</b>", at("2026-11-20T08:00:00Z"), 3 }));
+    EXPECT_EQ(entries[1].url, "https://www.b.example/page");
+    EXPECT_EQ(entries[1].title, "");
+    EXPECT_EQ(entries[1].visitCount, 1);
+    EXPECT_EQ(entries[2].url, "https://c.example/\xC3\xBC?q=1#f");
+    EXPECT_EQ(entries[2].title,
+        "\xC3\x9Cn\xC3\xAF"
+        "code \xE2\x9C\x93");
+    EXPECT_EQ(entries[2].visitCount, 2);
+    EXPECT_EQ(history.suggestions("\xC3\x9CN\xC3\x8F", 8).size(), 1u);
+    Vault::setShared(nullptr);
+}
+
+TEST(StoredInterop, HistoryWithoutAVisitCountStartsFresh)
+{
+    TestProfile profile;
+    std::filesystem::create_directories(AppInfo::dataDirectory());
+    copyFile(stored("history-missing-count.bin"), AppInfo::historyFile());
+    auto bytes = readBytes(AppInfo::historyFile());
+    auto vault = std::make_shared<Vault>(AppInfo::vaultFile(), testDataKey());
+    Vault::setShared(vault);
+    LogCapture log;
+    {
+        HistoryStore history(AppInfo::historyFile(), testDataKey());
+        EXPECT_EQ(history.count(), 0u);
+        auto lines = log.lines();
+        ASSERT_EQ(lines.size(), 1u);
+        EXPECT_TRUE(lines[0].starts_with("Velder: history.bin could not be read (")) << lines[0];
+        EXPECT_TRUE(lines[0].ends_with("); starting fresh.")) << lines[0];
+        history.flushNow();
+        EXPECT_EQ(readBytes(AppInfo::historyFile()), bytes);
+    }
+    Vault::setShared(nullptr);
+}
+
+TEST(StoredInterop, FaviconsReadAsWrittenWithoutEmptyEntries)
+{
+    TempDir dir;
+    copyFile(stored("favicons.bin"), dir.file("favicons.bin"));
+    LogCapture log;
+    FaviconStore favicons(dir.file("favicons.bin"), testDataKey());
+    EXPECT_TRUE(log.lines().empty());
+    EXPECT_EQ(favicons.count(), 2u);
+    EXPECT_EQ(favicons.dataUri("a.example"), "data:image/png;base64,iVBORw0KGgo=");
+    EXPECT_TRUE(favicons.dataUri("B.example").has_value());
+    EXPECT_FALSE(favicons.entry(""));
+
+    // Written back, the inner keys stay as they stand below "Icons".
+    ASSERT_TRUE(favicons.store(std::vector<std::uint8_t> { 'B', 'M', 0, 0 }, "c.example"));
+    favicons.flushNow();
+    auto plaintext = AesGcm::open(testDataKey(), readBytes(dir.file("favicons.bin")));
+    ASSERT_TRUE(plaintext);
+    std::string json(plaintext->begin(), plaintext->end());
+    EXPECT_TRUE(json.starts_with(R"({"Icons":{"B.example":{"data":)")) << json;
+    EXPECT_NE(json.find(R"("c.example":{"data":"Qk0AAA==","fetchedUtc":")"), std::string::npos) << json;
+    EXPECT_NE(json.find(R"(,"mime":"image/bmp"})"), std::string::npos) << json;
+    EXPECT_EQ(json.find("Mime"), std::string::npos);
 }

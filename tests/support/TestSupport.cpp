@@ -96,6 +96,13 @@ bool fileExists(const std::string& path)
     return fs::exists(path);
 }
 
+std::string numbered(std::string_view prefix, long long n)
+{
+    std::string text(prefix);
+    text += std::to_string(n);
+    return text;
+}
+
 bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout)
 {
     auto deadline = std::chrono::steady_clock::now() + timeout;

@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace velder::test {
@@ -59,6 +60,9 @@ std::vector<std::uint8_t> readBytes(const std::string& path);
 void writeBytes(const std::string& path, const std::vector<std::uint8_t>& bytes);
 void copyFile(const std::string& from, const std::string& to);
 bool fileExists(const std::string& path);
+
+// prefix + n: GCC 12 warns falsely (-Wrestrict) on "literal" + std::to_string(n) at -O3.
+std::string numbered(std::string_view prefix, long long n);
 
 // Polls the condition every few milliseconds until it holds or the timeout passes; returns the last answer.
 bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout);

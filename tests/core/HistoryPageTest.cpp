@@ -1,0 +1,104 @@
+#include "core/HistoryPage.h"
+
+#include "support/ScopedStores.h"
+
+#include <gtest/gtest.h>
+
+using namespace velder;
+using namespace velder::test;
+
+namespace {
+
+Date at(const char* iso)
+{
+    return *parseIso8601(iso);
+}
+
+std::string bodyOf(const std::string& page)
+{
+    size_t start = page.find("</header>") + 9;
+    return page.substr(start, page.rfind("</div></body>") - start);
+}
+
+// Local time for the duration of a test: a POSIX zone needs no zone database.
+class ScopedTimeZone {
+public:
+    explicit ScopedTimeZone(const char* zone)
+        : m_env("TZ", zone)
+    {
+        tzset();
+    }
+    ~ScopedTimeZone() { tzset(); }
+
+private:
+    ScopedEnv m_env;
+};
+
+} // namespace
+
+TEST(HistoryPage, DatesAreLocalMediumDatesWithShortTimes)
+{
+    struct Case {
+        const char* zone;
+        const char* iso;
+        const char* text;
+    };
+    for (const Case& c : std::vector<Case> {
+             { "UTC0", "2026-11-20T08:00:00Z", "Nov 20, 2026, 08:00" },
+             { "UTC0", "2026-03-05T17:45:59Z", "Mar 5, 2026, 17:45" },
+             { "UTC-2", "2026-12-31T23:30:00Z", "Jan 1, 2027, 01:30" },
+             { "UTC+5", "2026-01-01T03:00:00Z", "Dec 31, 2025, 22:00" },
+         }) {
+        SCOPED_TRACE(std::string(c.zone) + " " + c.iso);
+        ScopedTimeZone zone(c.zone);
+        EXPECT_EQ(HistoryPage::formatDate(at(c.iso)), c.text);
+    }
+}
+
+TEST(HistoryPage, Rows)
+{
+    ScopedTimeZone zone("UTC0");
+    struct Case {
+        HistoryEntry entry;
+        const char* html;
+    };
+    for (const Case& c : std::vector<Case> {
+             { { "https://a.example/?a=1&b=2", "<script>alert(1)</script>", at("2026-11-20T08:00:00Z"), 3 },
+                 "<tr>\n  <td><span class=\"title\"><a href=\"https://a.example/?a=1&amp;b=2\">&lt;script&gt;alert(1)"
+                 "&lt;/script&gt;</a></span><span class=\"url\">https://a.example/?a=1&amp;b=2</span></td>\n  <td "
+                 "class=\"when\">Nov 20, 2026, 08:00</td>\n  <td class=\"num\">3</td>\n</tr>" },
+             { { "https://b.example/", "", at("2026-11-20T08:00:00Z"), 1 },
+                 "<tr>\n  <td><span class=\"title\"><a href=\"https://b.example/\">https://b.example/</a></span><span "
+                 "class=\"url\">https://b.example/</span></td>\n  <td class=\"when\">Nov 20, 2026, 08:00</td>\n  <td "
+                 "class=\"num\">1</td>\n</tr>" },
+             { { "javascript:alert('x')", "<b>Bold</b> & co", at("2026-11-20T08:00:00Z"), 12 },
+                 "<tr>\n  <td><span class=\"title\">&lt;b&gt;Bold&lt;/b&gt; &amp; co</span><span "
+                 "class=\"url\">javascript:alert(&#39;x&#39;)</span></td>\n  <td class=\"when\">Nov 20, 2026, "
+                 "08:00</td>\n  <td class=\"num\">12</td>\n</tr>" },
+         }) {
+        SCOPED_TRACE(c.entry.url);
+        EXPECT_EQ(HistoryPage::row(c.entry), c.html);
+    }
+}
+
+TEST(HistoryPage, Render)
+{
+    ScopedTimeZone zone("UTC0");
+    ScopedStores stores;
+    std::string page = HistoryPage::render();
+    EXPECT_NE(page.find("<title>History</title>"), std::string::npos);
+    EXPECT_NE(page.find("<span>History</span>"), std::string::npos);
+    EXPECT_EQ(bodyOf(page), "<p class=\"empty\">Nothing here yet.</p>");
+
+    stores.history().record("https://a.example/", "A", at("2026-11-20T08:00:00Z"));
+    stores.history().record("https://b.example/", "<script>B</script>", at("2026-11-20T09:00:00Z"));
+    std::string body = bodyOf(HistoryPage::render());
+    EXPECT_EQ(body,
+        "<form method=\"get\" action=\"velder://history/\" class=\"actions\">\n  <button class=\"danger\" "
+        "type=\"submit\" name=\"clear\" value=\"1\">Clear history</button>\n</form><table>\n  "
+        "<thead><tr><th>Page</th><th>Last visit</th><th class=\"num\">Visits</th></tr></thead>\n  <tbody>"
+            + HistoryPage::row(stores.history().entries()[0]) + HistoryPage::row(stores.history().entries()[1])
+            + "</tbody>\n</table>");
+    EXPECT_LT(body.find("b.example"), body.find("a.example")) << "newest first";
+    EXPECT_EQ(body.find("<script>"), std::string::npos);
+}
