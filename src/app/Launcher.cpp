@@ -139,8 +139,8 @@ int Launcher::run(GtkApplication* application, const std::vector<std::string>& a
     }
     g_signal_connect(application, "activate", G_CALLBACK(onActivate), nullptr);
     g_signal_connect(application, "shutdown", G_CALLBACK(onShutdown), nullptr);
-    addAction(application, "open-url", G_VARIANT_TYPE_STRING,
-        G_CALLBACK(+[](GSimpleAction*, GVariant* parameter, gpointer) {
+    addAction(
+        application, "open-url", G_VARIANT_TYPE_STRING, G_CALLBACK(+[](GSimpleAction*, GVariant* parameter, gpointer) {
             if (AppDelegate* delegate = AppDelegate::shared()) {
                 delegate->openURLFromOutside(g_variant_get_string(parameter, nullptr));
             }

@@ -94,8 +94,8 @@ void LocationSettings::startWatchingTheGlobalSwitch()
         return;
     }
     m_lastSeenEnabled = Vault::shared().snapshot()->settings.locationEnabled;
-    m_switchWatch = NotificationCenter::defaultCenter().addObserver(Vault::settingsDidChangeNotification,
-        [this](const Notification&) {
+    m_switchWatch = NotificationCenter::defaultCenter().addObserver(
+        Vault::settingsDidChangeNotification, [this](const Notification&) {
             bool enabled = Vault::shared().snapshot()->settings.locationEnabled;
             if (m_lastSeenEnabled != enabled) {
                 m_lastSeenEnabled = enabled;
@@ -123,8 +123,8 @@ void LocationSettings::rewriteMirror(bool forcingAsk)
     if (m_mirror->hasPrivateContext()) {
         bool enabled = Vault::shared().snapshot()->settings.locationEnabled;
         for (const auto& origin : m_privateMirrorOrigins) {
-            m_mirror->writePrivate(origin,
-                engineSetting(forcingAsk || !enabled ? LocationAnswer::ask : LocationAnswer::allow));
+            m_mirror->writePrivate(
+                origin, engineSetting(forcingAsk || !enabled ? LocationAnswer::ask : LocationAnswer::allow));
         }
         if (forcingAsk) {
             m_privateMirrorOrigins.clear();

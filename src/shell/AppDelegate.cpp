@@ -1,5 +1,6 @@
 #include "shell/AppDelegate.h"
 
+#include "bridge/VLDBrowserView.h"
 #include "core/HistoryStore.h"
 #include "core/LocationSettings.h"
 #include "core/UrlHelper.h"
@@ -7,7 +8,6 @@
 #include "shell/BrowserTab.h"
 #include "shell/MainWindow.h"
 #include "shell/WindowRegistry.h"
-#include "bridge/VLDBrowserView.h"
 
 #include <algorithm>
 #include <gtk/gtk.h>

@@ -42,8 +42,7 @@ void BrowserDelegate::didFailLoad(VLDBrowserView&, std::int32_t code, const std:
     }
 }
 
-std::shared_ptr<VLDBrowserView> BrowserDelegate::hostViewForPopup(
-    VLDBrowserView&, const std::string& url, bool gesture)
+std::shared_ptr<VLDBrowserView> BrowserDelegate::hostViewForPopup(VLDBrowserView&, const std::string& url, bool gesture)
 {
     return makePopupHost ? makePopupHost(url, gesture) : nullptr;
 }
@@ -92,7 +91,7 @@ void BrowserDelegate::didTerminateRenderProcess(VLDBrowserView&, std::int64_t st
 
 bool BrowserDelegate::openURLInNewTab(VLDBrowserView&, const std::string& url, bool foreground)
 {
-    return openURLInNewTab ? openURLInNewTab(url, foreground) : false;
+    return onOpenURLInNewTab ? onOpenURLInNewTab(url, foreground) : false;
 }
 
 bool BrowserDelegate::shouldHandlePermissionRequest(VLDBrowserView&, std::shared_ptr<VLDPermissionRequest> request)
@@ -137,7 +136,7 @@ bool BrowserDelegate::shouldHandleKey(VLDBrowserView&, std::int32_t windowsKeyCo
 
 bool BrowserDelegate::shouldShowContextMenu(VLDBrowserView&, const VLDContextMenuInfo& info)
 {
-    return shouldShowContextMenu ? shouldShowContextMenu(info) : true;
+    return onShowContextMenu ? onShowContextMenu(info) : true;
 }
 
 } // namespace velder

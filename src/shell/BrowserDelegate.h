@@ -25,13 +25,13 @@ public:
     std::function<void()> onEngineRequestedTearDown;
     std::function<void(const std::string& url, std::int32_t code)> onCertificateRefused;
     std::function<void(std::int64_t status)> onRenderProcessTerminated;
-    std::function<bool(const std::string& url, bool foreground)> openURLInNewTab;
+    std::function<bool(const std::string& url, bool foreground)> onOpenURLInNewTab;
     std::function<bool(std::shared_ptr<VLDPermissionRequest>)> handlePermissionRequest;
     std::function<void(std::shared_ptr<VLDPermissionRequest>)> onPermissionRequestWithdrawn;
     std::function<void(const VLDDownloadItem&)> onDownloadUpdated;
     std::function<void(std::int32_t count, std::int32_t activeMatch, bool isFinal)> onFindResult;
     std::function<bool(std::int32_t windowsKeyCode, std::uint32_t modifiers)> handleKey;
-    std::function<bool(const VLDContextMenuInfo&)> shouldShowContextMenu;
+    std::function<bool(const VLDContextMenuInfo&)> onShowContextMenu;
 
     void didChangeAddress(VLDBrowserView&, const std::string& url) override;
     void didChangeTitle(VLDBrowserView&, const std::string& title) override;

@@ -173,7 +173,7 @@ void BrowserTab::wire()
         auto tab = weak.lock();
         return tab ? tab->handleEngineKey(code, modifiers) : false;
     };
-    handlers.openURLInNewTab = [weak](const std::string& target, bool foreground) {
+    handlers.onOpenURLInNewTab = [weak](const std::string& target, bool foreground) {
         auto tab = weak.lock();
         if (!tab) {
             return false;
@@ -183,7 +183,7 @@ void BrowserTab::wire()
         }
         return tab->openURLInNewTab ? tab->openURLInNewTab(target, foreground) : false;
     };
-    handlers.shouldShowContextMenu = [weak](const VLDContextMenuInfo& info) {
+    handlers.onShowContextMenu = [weak](const VLDContextMenuInfo& info) {
         auto tab = weak.lock();
         if (!tab || !tab->showContextMenu) {
             return true;

@@ -32,8 +32,8 @@ std::map<std::uint32_t, Progress>& inFlight()
 // The launcher entry protocol that docks and panels read: one progress for all running downloads.
 void publishLauncherProgress()
 {
-    GDBusConnection* bus = g_application_get_default() ? g_application_get_dbus_connection(g_application_get_default())
-                                                       : nullptr;
+    GDBusConnection* bus
+        = g_application_get_default() ? g_application_get_dbus_connection(g_application_get_default()) : nullptr;
     if (!bus) {
         return;
     }
@@ -56,8 +56,8 @@ void publishLauncherProgress()
         g_variant_new_double(visible ? static_cast<double>(received) / static_cast<double>(total) : 0.0));
     g_variant_builder_add(&properties, "{sv}", "progress-visible", g_variant_new_boolean(visible));
     std::string appUri = std::string("application://") + AppInfo::applicationId + ".desktop";
-    g_dbus_connection_emit_signal(bus, nullptr, "/local/velder/Velder/LauncherEntry", "com.canonical.Unity.LauncherEntry",
-        "Update", g_variant_new("(sa{sv})", appUri.c_str(), &properties), nullptr);
+    g_dbus_connection_emit_signal(bus, nullptr, "/local/velder/Velder/LauncherEntry",
+        "com.canonical.Unity.LauncherEntry", "Update", g_variant_new("(sa{sv})", appUri.c_str(), &properties), nullptr);
 }
 
 void finish(std::uint32_t identifier, bool completed)
@@ -132,8 +132,8 @@ void Downloads::decideDestination(
         callback->continueWithPath(destination);
         return;
     }
-    GtkFileChooserNative* chooser = gtk_file_chooser_native_new(
-        "Save File", window, GTK_FILE_CHOOSER_ACTION_SAVE, "_Save", "_Cancel");
+    GtkFileChooserNative* chooser
+        = gtk_file_chooser_native_new("Save File", window, GTK_FILE_CHOOSER_ACTION_SAVE, "_Save", "_Cancel");
     gtk_file_chooser_set_current_name(GTK_FILE_CHOOSER(chooser), name.c_str());
     if (destination) {
         auto folder = GObjectPtr<GFile>::adopt(g_file_new_for_path(fs::path(*destination).parent_path().c_str()));

@@ -5,7 +5,9 @@
 #include "core/AppInfo.h"
 #include "core/Format.h"
 #include "core/Log.h"
+#include "core/PageShell.h"
 #include "core/Palette.h"
+#include "core/Shortcuts.h"
 #include "core/Theme.h"
 #include "core/UrlHelper.h"
 #include "core/Vault.h"
@@ -172,7 +174,7 @@ void MainWindow::buildChrome()
             allocation->x = static_cast<int>(bar.origin.x);
             allocation->y = static_cast<int>(bar.origin.y + bar.size.height + 2);
             allocation->width = static_cast<int>(bar.size.width);
-            allocation->height = UrlSuggestions::heightForRows(self->m_suggestions->entries().size());
+            allocation->height = static_cast<int>(UrlSuggestions::height(self->m_suggestions->entries().size()));
             return TRUE;
         }),
         this);
@@ -200,14 +202,13 @@ void MainWindow::buildChrome()
 
     applyTheme();
     std::weak_ptr<MainWindow> weak = weak_from_this();
-    m_themeToken = std::make_unique<ThemeSubscription>(
-        Themed::subscribeToTheme(GTK_WIDGET(m_window.get()), [weak] {
-            if (auto self = weak.lock()) {
-                self->applyTheme();
-            }
-        }));
-    m_settingsToken = NotificationCenter::defaultCenter().addObserver(Vault::settingsDidChangeNotification,
-        [weak](const Notification&) {
+    m_themeToken = Themed::subscribeToTheme(GTK_WIDGET(m_window.get()), [weak] {
+        if (auto self = weak.lock()) {
+            self->applyTheme();
+        }
+    });
+    m_settingsToken = NotificationCenter::defaultCenter().addObserver(
+        Vault::settingsDidChangeNotification, [weak](const Notification&) {
             // Settings change on whatever thread saved them; the chrome follows on the main loop.
             g_idle_add_once(
                 +[](gpointer data) {
@@ -225,56 +226,52 @@ void MainWindow::buildChrome()
 void MainWindow::buildTitlebar()
 {
     m_titlebarRow = std::make_unique<TitlebarRow>();
-    GtkWidget* row = m_titlebarRow->widget();
 
-    GtkWidget* startControls = gtk_window_controls_new(GTK_PACK_START);
-    gtk_box_append(GTK_BOX(row), startControls);
+    m_titlebarRow->append(gtk_window_controls_new(GTK_PACK_START));
 
     m_strip = std::make_unique<TabStrip>();
     gtk_widget_set_hexpand(m_strip->widget(), true);
     gtk_widget_set_margin_end(m_strip->widget(), 6);
-    gtk_box_append(GTK_BOX(row), m_strip->widget());
+    m_titlebarRow->append(m_strip->widget());
 
     std::string version = AppInfo::version();
     std::string wordmarkText = (m_isPrivate ? "Private \xe2\x80\x94 Velder v" : "Velder v") + version;
-    m_wordmark = std::make_unique<ChromeButton>(ChromeButton::Content::text(wordmarkText, 11, true), "");
+    m_wordmark
+        = std::make_unique<ChromeButton>(ChromeButton::Content::text(wordmarkText, 11, PANGO_WEIGHT_SEMIBOLD), "");
     bool isPrivateWindow = m_isPrivate;
     m_wordmark->ink = [isPrivateWindow] {
-        return Theme::readable(isPrivateWindow ? Palette::highlightColor() : Palette::passiveColor(),
-            Palette::borderColor());
+        return Theme::readable(
+            isPrivateWindow ? Palette::highlightColor() : Palette::passiveColor(), Palette::borderColor());
     };
-    m_wordmark->setTooltip("");
     std::weak_ptr<MainWindow> weak = weak_from_this();
-    m_wordmark->menuProvider = [weak]() -> GMenuModel* {
+    m_wordmark->menuProvider = [weak] {
         auto self = weak.lock();
-        return self ? self->wordmarkMenu() : G_MENU_MODEL(g_menu_new());
+        return GObjectPtr<GMenuModel>::adopt(self ? self->wordmarkMenu() : G_MENU_MODEL(g_menu_new()));
     };
     gtk_widget_set_size_request(m_wordmark->widget(), static_cast<int>(std::ceil(m_wordmark->contentWidth() + 16)), 22);
     gtk_widget_set_valign(m_wordmark->widget(), GTK_ALIGN_CENTER);
     gtk_widget_set_margin_end(m_wordmark->widget(), 4);
-    gtk_box_append(GTK_BOX(row), m_wordmark->widget());
+    m_titlebarRow->append(m_wordmark->widget());
 
-    m_updateSlot = std::make_unique<UpdateSlot>();
+    m_updateSlot = std::make_unique<UpdateSlot>(UpdateState::idle());
     gtk_widget_set_valign(m_updateSlot->widget(), GTK_ALIGN_CENTER);
     gtk_widget_set_margin_end(m_updateSlot->widget(), 8);
-    gtk_box_append(GTK_BOX(row), m_updateSlot->widget());
+    m_titlebarRow->append(m_updateSlot->widget());
+    m_titlebarRow->append(gtk_window_controls_new(GTK_PACK_END));
 
-    GtkWidget* endControls = gtk_window_controls_new(GTK_PACK_END);
-    gtk_box_append(GTK_BOX(row), endControls);
-
-    m_strip->onSelect = [weak](std::size_t index) {
-        if (auto self = weak.lock()) {
-            self->selectTab(index);
+    m_strip->onSelect = [weak](int index) {
+        if (auto self = weak.lock(); self && index >= 0) {
+            self->selectTab(static_cast<std::size_t>(index));
         }
     };
-    m_strip->onClose = [weak](std::size_t index) {
-        if (auto self = weak.lock()) {
-            self->closeTab(index);
+    m_strip->onClose = [weak](int index) {
+        if (auto self = weak.lock(); self && index >= 0) {
+            self->closeTab(static_cast<std::size_t>(index));
         }
     };
-    m_strip->onReorder = [weak](std::size_t from, std::size_t to) {
-        if (auto self = weak.lock()) {
-            self->moveTab(from, to);
+    m_strip->onReorder = [weak](int from, int to) {
+        if (auto self = weak.lock(); self && from >= 0 && to >= 0) {
+            self->moveTab(static_cast<std::size_t>(from), static_cast<std::size_t>(to));
         }
     };
     m_strip->onNewTab = [weak] {
@@ -282,21 +279,21 @@ void MainWindow::buildTitlebar()
             self->newTab();
         }
     };
-    m_strip->onContextMenu = [weak](std::size_t index) -> GMenuModel* {
+    m_strip->onContextMenu = [weak](int index) {
         auto self = weak.lock();
-        return self ? self->tabContextMenu(index) : nullptr;
+        return GObjectPtr<GMenuModel>::adopt(
+            self && index >= 0 ? self->tabContextMenu(static_cast<std::size_t>(index)) : nullptr);
     };
 
     // Bare parts of the row drag the window.
     GtkWidget* handle = gtk_window_handle_new();
-    gtk_window_handle_set_child(GTK_WINDOW_HANDLE(handle), row);
+    gtk_window_handle_set_child(GTK_WINDOW_HANDLE(handle), m_titlebarRow->widget());
     gtk_window_set_titlebar(m_window.get(), handle);
 }
 
 void MainWindow::buildToolbar()
 {
     m_toolbarRow = std::make_unique<ToolbarRow>();
-    GtkWidget* row = m_toolbarRow->widget();
     auto buttonInk = [] { return Theme::readable(Palette::textColor(), Palette::fieldColor()); };
     std::weak_ptr<MainWindow> weak = weak_from_this();
     auto makeButton = [&](const char* symbol, const char* label, int leading) {
@@ -305,7 +302,7 @@ void MainWindow::buildToolbar()
         gtk_widget_set_size_request(button->widget(), 28, 26);
         gtk_widget_set_valign(button->widget(), GTK_ALIGN_CENTER);
         gtk_widget_set_margin_start(button->widget(), leading);
-        gtk_box_append(GTK_BOX(row), button->widget());
+        m_toolbarRow->append(button->widget());
         return button;
     };
     m_backButton = makeButton("go-previous-symbolic", "Back", 8);
@@ -333,17 +330,22 @@ void MainWindow::buildToolbar()
     gtk_widget_set_valign(m_addressBar->widget(), GTK_ALIGN_CENTER);
     gtk_widget_set_margin_start(m_addressBar->widget(), 8);
     gtk_widget_set_margin_end(m_addressBar->widget(), 10);
-    gtk_box_append(GTK_BOX(row), m_addressBar->widget());
+    m_toolbarRow->append(m_addressBar->widget());
 }
 
 void MainWindow::applyTheme()
 {
-    m_strip->applyTheme();
-    m_toolbarRow->applyTheme();
-    m_titlebarRow->applyTheme();
-    m_addressBar->applyTheme();
-    m_suggestions->applyTheme();
-    m_findBar->applyTheme();
+    // The widgets follow the theme by themselves; the window's own surfaces are styled here: its background
+    // in the border colour, the page area in the fixed background.
+    static GtkCssProvider* provider = [] {
+        GtkCssProvider* css = gtk_css_provider_new();
+        gtk_style_context_add_provider_for_display(
+            gdk_display_get_default(), GTK_STYLE_PROVIDER(css), GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+        return css;
+    }();
+    std::string style = ".velder-window { background-color: " + PageShell::hex(Palette::borderColor())
+        + "; } .velder-container { background-color: " + PageShell::hex(Theme::fixedBackground) + "; }";
+    gtk_css_provider_load_from_data(provider, style.c_str(), -1);
     for (ChromeButton* button : { m_wordmark.get(), m_backButton.get(), m_forwardButton.get(), m_reloadButton.get() }) {
         gtk_widget_queue_draw(button->widget());
     }
@@ -736,7 +738,8 @@ void MainWindow::perform(BrowserAction action)
     case Kind::zoomOut:
     case Kind::zoomReset:
         if (delegate) {
-            double level = action.kind == Kind::zoomReset ? 0.0
+            double level = action.kind == Kind::zoomReset
+                ? 0.0
                 : AppDelegate::zoomLevel + (action.kind == Kind::zoomIn ? 1.0 : -1.0);
             delegate->setZoom(level, this);
         }
@@ -812,18 +815,19 @@ void MainWindow::refreshChrome()
     for (const auto& each : tabs) {
         items.push_back({ each->displayTitle() });
     }
-    m_strip->setTabs(items, activeIndex);
+    m_strip->setTabs(items, static_cast<int>(activeIndex));
     m_backButton->setEnabled(tab && tab->canGoBack);
     m_forwardButton->setEnabled(tab && tab->canGoForward);
     bool loading = tab && tab->isLoading;
-    m_reloadButton->setSymbol(loading ? "window-close-symbolic" : "view-refresh-symbolic");
-    m_reloadButton->setLabel(loading ? "Stop" : "Reload");
+    m_reloadButton->setContent(
+        ChromeButton::Content::symbol(loading ? "window-close-symbolic" : "view-refresh-symbolic"));
+    m_reloadButton->setAccessibilityLabel(loading ? "Stop" : "Reload");
     if (!m_addressBar->isEditing()) {
         m_addressBar->setText(tab ? tab->url : "");
     }
-    m_addressBar->setPinLit(tab && tab->isLocationLit());
-    m_addressBar->setPinVisible(Vault::shared().snapshot()->settings.locationEnabled && tab
-        && UrlHelper::origin(tab->url).has_value());
+    m_addressBar->pin().setLit(tab && tab->isLocationLit());
+    m_addressBar->pin().setShown(
+        Vault::shared().snapshot()->settings.locationEnabled && tab && UrlHelper::origin(tab->url).has_value());
     gtk_window_set_title(m_window.get(), tab ? tab->displayTitle().c_str() : "Velder");
     gtk_widget_set_visible(m_slate->widget(), !tab || UrlHelper::isBlank(tab->url));
     updateActionStates();
@@ -891,8 +895,9 @@ void MainWindow::wireAddressBar()
             return;
         }
         UrlSuggestions& list = *self->m_suggestions;
-        if (auto selected = list.selectedIndex(); selected && *selected < list.entries().size()) {
-            std::string url = list.entries()[*selected].url;
+        if (auto selected = list.selectedIndex();
+            selected && *selected >= 0 && static_cast<std::size_t>(*selected) < list.entries().size()) {
+            std::string url = list.entries()[static_cast<std::size_t>(*selected)].url;
             list.clear();
             self->navigateActiveTab(url);
             return;
@@ -918,7 +923,7 @@ void MainWindow::wireAddressBar()
         }
         self->m_suggestions->moveSelection(delta);
         if (auto selected = self->m_suggestions->selectedIndex()) {
-            self->m_addressBar->setText(self->m_suggestions->entries()[*selected].url);
+            self->m_addressBar->setText(self->m_suggestions->entries()[static_cast<std::size_t>(*selected)].url);
         }
         return true;
     };
@@ -989,7 +994,7 @@ void MainWindow::closeFindBar()
         tab->findActiveMatch = 0;
         tab->view()->stopFindingAndClearSelection(true);
     }
-    m_findBar->close();
+    m_findBar->hide();
     if (auto tab = activeTab()) {
         gtk_window_set_focus(m_window.get(), nullptr);
         tab->view()->setBrowserFocus(true);
@@ -1044,12 +1049,12 @@ WindowSession MainWindow::sessionRecord() const
         std::string url = tab->url;
         record.tabs.push_back(UrlHelper::isBlank(url) ? "about:blank" : url);
     }
-    record.activeTab = static_cast<std::int64_t>(
-        std::min<std::size_t>(activeIndex, std::max<std::size_t>(tabs.size(), 1) - 1));
+    record.activeTab
+        = static_cast<std::int64_t>(std::min<std::size_t>(activeIndex, std::max<std::size_t>(tabs.size(), 1) - 1));
     if (hasOwnPlacement) {
         Rect source = (isMinimized() || isZoomed() || isFullScreen()) ? frameBeforeNonNormalState : frame();
-        double values[] = { std::round(source.x), std::round(source.y), std::round(source.width),
-            std::round(source.height) };
+        double values[]
+            = { std::round(source.x), std::round(source.y), std::round(source.width), std::round(source.height) };
         bool fits = std::all_of(std::begin(values), std::end(values), [](double v) {
             return std::isfinite(v) && v >= static_cast<double>(std::numeric_limits<std::int64_t>::min())
                 && v <= static_cast<double>(std::numeric_limits<std::int32_t>::max());

@@ -5,6 +5,7 @@
 #include "core/NotificationCenter.h"
 #include "core/WindowSession.h"
 #include "glib/GObjectPtr.h"
+#include "shell/Themed.h"
 #include "shell/WindowPlacement.h"
 
 #include <gtk/gtk.h>
@@ -21,7 +22,6 @@ class BrowserTab;
 class ChromeButton;
 class FindBar;
 class TabStrip;
-class ThemeSubscription;
 class TitlebarRow;
 class ToolbarRow;
 class UpdateSlot;
@@ -153,7 +153,7 @@ private:
     std::unique_ptr<BlankSlate> m_slate;
     std::unique_ptr<UrlSuggestions> m_suggestions;
     std::unique_ptr<FindBar> m_findBar;
-    std::unique_ptr<ThemeSubscription> m_themeToken;
+    Themed::Token m_themeToken;
     NotificationCenter::Token m_settingsToken;
     GdkToplevelState m_lastState = GdkToplevelState(0);
 };

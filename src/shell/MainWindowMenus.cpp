@@ -16,14 +16,13 @@ namespace {
 
 using Kind = BrowserAction::Kind;
 
-constexpr Kind menuActions[] = { Kind::newTab, Kind::closeTab, Kind::closeWindow, Kind::reopenClosedTab,
-    Kind::nextTab, Kind::prevTab, Kind::selectLastTab, Kind::newWindow, Kind::newPrivateWindow,
-    Kind::focusAddressBar, Kind::find, Kind::findNext, Kind::findPrev, Kind::reload, Kind::hardReload, Kind::stop,
-    Kind::back, Kind::forward, Kind::home, Kind::zoomIn, Kind::zoomOut, Kind::zoomReset, Kind::devTools,
-    Kind::history, Kind::settings };
+constexpr Kind menuActions[] = { Kind::newTab, Kind::closeTab, Kind::closeWindow, Kind::reopenClosedTab, Kind::nextTab,
+    Kind::prevTab, Kind::selectLastTab, Kind::newWindow, Kind::newPrivateWindow, Kind::focusAddressBar, Kind::find,
+    Kind::findNext, Kind::findPrev, Kind::reload, Kind::hardReload, Kind::stop, Kind::back, Kind::forward, Kind::home,
+    Kind::zoomIn, Kind::zoomOut, Kind::zoomReset, Kind::devTools, Kind::history, Kind::settings };
 
-void addAction(GSimpleActionGroup* group, const char* name, const GVariantType* parameter, GCallback callback,
-    gpointer data)
+void addAction(
+    GSimpleActionGroup* group, const char* name, const GVariantType* parameter, GCallback callback, gpointer data)
 {
     GSimpleAction* action = g_simple_action_new(name, parameter);
     g_signal_connect(action, "activate", callback, data);
@@ -314,8 +313,7 @@ bool MainWindow::showPageContextMenu(const VLDContextMenuInfo& info)
                     && gdk_surface_get_device_position(surface, gdk_seat_get_pointer(seat), &x, &y, nullptr)) {
                     graphene_point_t point = GRAPHENE_POINT_INIT(static_cast<float>(x), static_cast<float>(y));
                     graphene_point_t inContainer;
-                    if (gtk_widget_compute_point(
-                            GTK_WIDGET(self->window()), self->container(), &point, &inContainer)) {
+                    if (gtk_widget_compute_point(GTK_WIDGET(self->window()), self->container(), &point, &inContainer)) {
                         at = GdkRectangle { static_cast<int>(inContainer.x), static_cast<int>(inContainer.y), 1, 1 };
                     }
                 }
@@ -339,7 +337,8 @@ void MainWindow::popUpMenu(GMenuModel* menu, GtkWidget* parent, std::optional<Gd
     }
     g_signal_connect(popover, "closed", G_CALLBACK(+[](GtkPopover* popover, gpointer) {
         // Unparent once the popover's own handling is done.
-        g_idle_add_once(+[](gpointer data) { gtk_widget_unparent(GTK_WIDGET(data)); }, popover);
+        g_idle_add_once(
+            +[](gpointer data) { gtk_widget_unparent(GTK_WIDGET(data)); }, popover);
     }),
         nullptr);
     gtk_popover_popup(GTK_POPOVER(popover));

@@ -203,17 +203,19 @@ void attachRevealKeys(GtkWindow* window, GtkWidget* menuBar)
     auto* state = new State { menuBar };
     GtkEventController* keys = gtk_event_controller_key_new();
     gtk_event_controller_set_propagation_phase(keys, GTK_PHASE_CAPTURE);
-    g_signal_connect_data(keys, "key-pressed",
-        G_CALLBACK(+[](GtkEventControllerKey*, guint keyval, guint, GdkModifierType modifiers, gpointer data) -> gboolean {
-            auto* state = static_cast<State*>(data);
-            bool isAlt = keyval == GDK_KEY_Alt_L || keyval == GDK_KEY_Alt_R;
-            state->loneAlt = isAlt && (modifiers & (GDK_CONTROL_MASK | GDK_SHIFT_MASK)) == 0;
-            if (keyval == GDK_KEY_F10 && (modifiers & (GDK_CONTROL_MASK | GDK_ALT_MASK | GDK_SHIFT_MASK)) == 0) {
-                gtk_widget_set_visible(state->bar, !gtk_widget_get_visible(state->bar));
-                return TRUE;
-            }
-            return FALSE;
-        }),
+    g_signal_connect_data(
+        keys, "key-pressed",
+        G_CALLBACK(
+            +[](GtkEventControllerKey*, guint keyval, guint, GdkModifierType modifiers, gpointer data) -> gboolean {
+                auto* state = static_cast<State*>(data);
+                bool isAlt = keyval == GDK_KEY_Alt_L || keyval == GDK_KEY_Alt_R;
+                state->loneAlt = isAlt && (modifiers & (GDK_CONTROL_MASK | GDK_SHIFT_MASK)) == 0;
+                if (keyval == GDK_KEY_F10 && (modifiers & (GDK_CONTROL_MASK | GDK_ALT_MASK | GDK_SHIFT_MASK)) == 0) {
+                    gtk_widget_set_visible(state->bar, !gtk_widget_get_visible(state->bar));
+                    return TRUE;
+                }
+                return FALSE;
+            }),
         state, [](gpointer data, GClosure*) { delete static_cast<State*>(data); }, GConnectFlags(0));
     g_signal_connect(keys, "key-released",
         G_CALLBACK(+[](GtkEventControllerKey*, guint keyval, guint, GdkModifierType, gpointer data) {

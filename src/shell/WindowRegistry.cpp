@@ -18,10 +18,12 @@ void WindowRegistry::startPeriodicCapture()
     if (m_timer) {
         return;
     }
-    m_timer = g_timeout_add_seconds(20, +[](gpointer) -> gboolean {
-        WindowRegistry::shared().capture();
-        return G_SOURCE_CONTINUE;
-    },
+    m_timer = g_timeout_add_seconds(
+        20,
+        +[](gpointer) -> gboolean {
+            WindowRegistry::shared().capture();
+            return G_SOURCE_CONTINUE;
+        },
         nullptr);
 }
 

@@ -23,6 +23,17 @@ void move(GtkWindow* window, int x, int y)
     XFlush(display);
 }
 
+struct Point {
+    int x;
+    int y;
+};
+
+void moveOnRealize(GtkWidget* widget, gpointer data)
+{
+    auto* where = static_cast<Point*>(data);
+    move(GTK_WINDOW(widget), where->x, where->y);
+}
+
 } // namespace
 
 bool isAvailable()
@@ -57,13 +68,10 @@ void placeWhenRealized(GtkWindow* window, int x, int y)
         move(window, x, y);
         return;
     }
-    auto* target = new std::pair<int, int>(x, y);
-    g_signal_connect_data(window, "realize", G_CALLBACK(+[](GtkWidget* widget, gpointer data) {
-        auto* where = static_cast<std::pair<int, int>*>(data);
-        move(GTK_WINDOW(widget), where->first, where->second);
-    }),
-        target, [](gpointer data, GClosure*) { delete static_cast<std::pair<int, int>*>(data); },
-        GConnectFlags(0));
+    auto* target = new Point { x, y };
+    g_signal_connect_data(
+        window, "realize", G_CALLBACK(moveOnRealize), target,
+        [](gpointer data, GClosure*) { delete static_cast<Point*>(data); }, GConnectFlags(0));
 }
 
 std::vector<Rect> visibleFrames()

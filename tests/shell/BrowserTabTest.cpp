@@ -213,8 +213,8 @@ TEST_F(BrowserTabTest, LocationRequestsFollowTheStoredAnswersAndTheSessionAnswer
     EXPECT_TRUE(tab->handleLocationRequest(blocked));
     EXPECT_EQ(blocked->answer, false);
 
-    EXPECT_FALSE(tab->handleLocationRequest(std::make_shared<FakePermissionRequest>(
-        "https://a.example", VLDPermissionRequest::Kind::other)));
+    EXPECT_FALSE(tab->handleLocationRequest(
+        std::make_shared<FakePermissionRequest>("https://a.example", VLDPermissionRequest::Kind::other)));
 
     // Two requests before an answer: the first is denied, the second parked, one change each.
     auto first = std::make_shared<FakePermissionRequest>("https://a.example");

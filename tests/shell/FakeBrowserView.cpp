@@ -54,8 +54,8 @@ void FakeBrowserView::findText(const std::string& text, bool forward, bool, bool
     commands.push_back("find " + text + (forward ? " forward" : " backward") + (findNext ? " next" : ""));
 }
 
-void FakeBrowserView::fetchIconAtURL(const std::string& url, std::uint64_t,
-    std::function<void(std::optional<std::vector<std::uint8_t>>)> completion)
+void FakeBrowserView::fetchIconAtURL(
+    const std::string& url, std::uint64_t, std::function<void(std::optional<std::vector<std::uint8_t>>)> completion)
 {
     commands.push_back("fetchIcon " + url);
     completion(std::nullopt);

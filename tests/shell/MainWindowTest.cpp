@@ -54,7 +54,8 @@ TEST_F(MainWindowTest, ClosingATabSelectsTheTabNowAtItsPlace)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE("active " + std::to_string(row.active) + ", closed " + std::to_string(row.closed));
-        auto window = windowWith({ "https://a.example/", "https://b.example/", "https://c.example/", "https://d.example/" });
+        auto window
+            = windowWith({ "https://a.example/", "https://b.example/", "https://c.example/", "https://d.example/" });
         window->selectTab(row.active);
         auto closing = window->tabs[row.closed];
         window->closeTab(row.closed);
@@ -105,7 +106,8 @@ TEST_F(MainWindowTest, MovingTabsKeepsTheActiveOne)
     std::vector<Row> rows = { { 1, 1, 3, 3 }, { 2, 0, 3, 1 }, { 1, 3, 0, 2 }, { 0, 1, 2, 0 }, { 2, 2, 9, 2 } };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::to_string(row.from) + " -> " + std::to_string(row.to));
-        auto window = windowWith({ "https://a.example/", "https://b.example/", "https://c.example/", "https://d.example/" });
+        auto window
+            = windowWith({ "https://a.example/", "https://b.example/", "https://c.example/", "https://d.example/" });
         window->selectTab(row.active);
         auto active = window->activeTab();
         window->moveTab(row.from, row.to);
@@ -133,7 +135,8 @@ TEST_F(MainWindowTest, TabCommandsWrapAndIgnorePositionsPastTheEnd)
 
 TEST_F(MainWindowTest, CloseOthersAndToTheRight)
 {
-    auto window = windowWith({ "https://a.example/", "https://b.example/", "https://c.example/", "https://d.example/" });
+    auto window
+        = windowWith({ "https://a.example/", "https://b.example/", "https://c.example/", "https://d.example/" });
     window->tabMenuCloseToRight(1);
     ASSERT_TRUE(spinUntil([&] { return window->tabs.size() == 2; }));
     EXPECT_EQ(urlsOf(*window), (std::vector<std::string> { "https://a.example/", "https://b.example/" }));

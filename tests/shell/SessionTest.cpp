@@ -13,8 +13,8 @@ namespace {
 
 class SessionTest : public ShellTest {
 protected:
-    std::shared_ptr<MainWindow> openWindow(Rect frame, const std::vector<std::string>& urls, std::size_t active,
-        bool isPrivate = false)
+    std::shared_ptr<MainWindow> openWindow(
+        Rect frame, const std::vector<std::string>& urls, std::size_t active, bool isPrivate = false)
     {
         auto window = MainWindow::create(frame, isPrivate, true);
         for (const auto& url : urls) {
@@ -48,8 +48,9 @@ TEST_F(SessionTest, CaptureThenRestoreGivesTheSameWindows)
     WindowRegistry::shared().capture();
     auto saved = Vault::shared().snapshot()->windows;
     ASSERT_EQ(saved.size(), 2u) << "private windows are never saved";
-    EXPECT_EQ(saved[0], (WindowSession { { "https://a.example/", "velder://history/", "about:blank" }, 1, 40, 30, 900,
-                            700, WindowState::normal }));
+    EXPECT_EQ(saved[0],
+        (WindowSession {
+            { "https://a.example/", "velder://history/", "about:blank" }, 1, 40, 30, 900, 700, WindowState::normal }));
 
     WindowRegistry::shared().reset();
     a.reset();
@@ -69,7 +70,9 @@ TEST_F(SessionTest, CaptureThenRestoreGivesTheSameWindows)
 TEST_F(SessionTest, CapturesKeepWhatWasSavedWhereTheyKnowNoBetter)
 {
     // Only private windows: the saved session stays as it was.
-    Vault::shared().update([](VaultData& data) { data.windows = { { { "https://kept.example/" }, 0, 5, 6, 700, 500 } }; });
+    Vault::shared().update([](VaultData& data) {
+        data.windows = { { { "https://kept.example/" }, 0, 5, 6, 700, 500 } };
+    });
     openWindow({ 10, 10, 800, 600 }, { "about:blank" }, 0, true);
     WindowRegistry::shared().capture();
     ASSERT_EQ(Vault::shared().snapshot()->windows.size(), 1u);
