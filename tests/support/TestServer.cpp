@@ -1,0 +1,101 @@
+#include "support/TestServer.h"
+
+#include <algorithm>
+#include <libsoup/soup.h>
+#include <stdexcept>
+
+namespace velder::test {
+
+std::string TestRequest::header(const std::string& lowerCaseName) const
+{
+    auto found = headers.find(lowerCaseName);
+    return found == headers.end() ? std::string() : found->second;
+}
+
+TestServer::TestServer()
+{
+    m_server = soup_server_new(nullptr, nullptr);
+    soup_server_add_handler(
+        m_server, nullptr, reinterpret_cast<SoupServerCallback>(&TestServer::handle), this, nullptr);
+    GError* error = nullptr;
+    if (!soup_server_listen_local(m_server, 0, SOUP_SERVER_LISTEN_IPV4_ONLY, &error)) {
+        std::string message = error->message;
+        g_error_free(error);
+        throw std::runtime_error("the test server could not listen: " + message);
+    }
+    GSList* uris = soup_server_get_uris(m_server);
+    m_port = g_uri_get_port(static_cast<GUri*>(uris->data));
+    g_slist_free_full(uris, reinterpret_cast<GDestroyNotify>(g_uri_unref));
+}
+
+TestServer::~TestServer()
+{
+    soup_server_disconnect(m_server);
+    g_object_unref(m_server);
+}
+
+std::string TestServer::url(const std::string& path) const
+{
+    return "http://127.0.0.1:" + std::to_string(m_port) + path;
+}
+
+void TestServer::route(const std::string& path, TestResponse response)
+{
+    m_routes[path] = [response](const TestRequest&) { return response; };
+}
+
+void TestServer::route(const std::string& path, Handler handler)
+{
+    m_routes[path] = std::move(handler);
+}
+
+int TestServer::count(const std::string& path) const
+{
+    return static_cast<int>(
+        std::count_if(m_requests.begin(), m_requests.end(), [&](const TestRequest& r) { return r.path == path; }));
+}
+
+void TestServer::handle(SoupServer*, void* messagePointer, const char* path, void*, void* selfPointer)
+{
+    auto* self = static_cast<TestServer*>(selfPointer);
+    auto* message = static_cast<SoupServerMessage*>(messagePointer);
+    TestRequest request;
+    request.method = soup_server_message_get_method(message);
+    request.path = path;
+    GUri* uri = soup_server_message_get_uri(message);
+    if (const char* query = g_uri_get_query(uri)) {
+        request.query = query;
+    }
+    SoupMessageHeadersIter iter;
+    soup_message_headers_iter_init(&iter, soup_server_message_get_request_headers(message));
+    const char* name = nullptr;
+    const char* value = nullptr;
+    while (soup_message_headers_iter_next(&iter, &name, &value)) {
+        std::string lower(name);
+        std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return std::tolower(c); });
+        request.headers[lower] = value;
+    }
+    if (request.path != "/favicon.ico" || self->m_logsFavicon) {
+        self->m_requests.push_back(request);
+    }
+
+    auto route = self->m_routes.find(request.path);
+    if (route == self->m_routes.end()) {
+        soup_server_message_set_status(message, 404, nullptr);
+        return;
+    }
+    TestResponse response = route->second(request);
+    SoupMessageHeaders* headers = soup_server_message_get_response_headers(message);
+    for (const auto& [headerName, headerValue] : response.headers) {
+        soup_message_headers_append(headers, headerName.c_str(), headerValue.c_str());
+    }
+    if (!response.location.empty()) {
+        soup_server_message_set_redirect(message, static_cast<guint>(response.status), response.location.c_str());
+        return;
+    }
+    soup_server_message_set_status(message, static_cast<guint>(response.status), nullptr);
+    soup_server_message_set_response(
+        message, response.contentType.c_str(), SOUP_MEMORY_COPY, response.body.data(), response.body.size());
+}
+
+} // namespace velder::test
