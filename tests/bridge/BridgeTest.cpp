@@ -1,0 +1,123 @@
+#include "BridgeTest.h"
+
+#include <algorithm>
+
+namespace velder::test {
+
+bool RecordingDelegate::hasEvent(const std::string& event) const
+{
+    return std::find(events.begin(), events.end(), event) != events.end();
+}
+
+bool RecordingDelegate::sawAddress(const std::string& url) const
+{
+    return std::find(addresses.begin(), addresses.end(), url) != addresses.end();
+}
+
+bool RecordingDelegate::isIdleAt(const std::string& url) const
+{
+    return !addresses.empty() && addresses.back() == url && !loadingStates.empty() && !loadingStates.back().isLoading;
+}
+
+void BridgeTest::SetUp()
+{
+    m_profile = std::make_unique<TestProfile>();
+    std::string error;
+    ASSERT_TRUE(VLDEngineRuntime::start({ "velder" }, &error)) << error;
+    m_server = std::make_unique<TestServer>();
+}
+
+void BridgeTest::TearDown()
+{
+    m_views.clear();
+    for (GtkWidget* window : m_windows) {
+        gtk_window_destroy(GTK_WINDOW(window));
+    }
+    m_windows.clear();
+    VLDEngineRuntime::shutdown();
+    m_server.reset();
+    m_profile.reset();
+}
+
+GtkWidget* BridgeTest::showInWindow(GtkWidget* child)
+{
+    GtkWidget* window = gtk_window_new();
+    gtk_window_set_default_size(GTK_WINDOW(window), 800, 600);
+    gtk_window_set_child(GTK_WINDOW(window), child);
+    gtk_window_present(GTK_WINDOW(window));
+    m_windows.push_back(window);
+    return window;
+}
+
+std::shared_ptr<VLDBrowserView> BridgeTest::openView(const std::string& url,
+    const std::shared_ptr<RecordingDelegate>& delegate, std::shared_ptr<VLDRequestContext> context)
+{
+    auto view = VLDBrowserView::create(url, std::move(context));
+    view->setDelegate(delegate);
+    m_views.push_back(view);
+    showInWindow(view->widget());
+    EXPECT_TRUE(view->hasBrowser());
+    return view;
+}
+
+bool BridgeTest::loadAndWait(VLDBrowserView& view, RecordingDelegate& delegate, const std::string& url)
+{
+    view.loadURL(url);
+    return waitFor([&] { return delegate.isIdleAt(url); });
+}
+
+WebKitWebView* BridgeTest::webViewOf(VLDBrowserView& view)
+{
+    GtkWidget* webView = static_cast<VLDBrowserViewImpl&>(view).webView();
+    return webView ? WEBKIT_WEB_VIEW(webView) : nullptr;
+}
+
+std::string BridgeTest::evaluate(VLDBrowserView& view, const std::string& script)
+{
+    struct Result {
+        bool done = false;
+        std::string text;
+    };
+    WebKitWebView* webView = webViewOf(view);
+    if (!webView) {
+        return "<no browser>";
+    }
+    // Shared with the callback, which may come after a timeout.
+    auto result = std::make_shared<Result>();
+    webkit_web_view_evaluate_javascript(
+        webView, script.c_str(), -1, nullptr, nullptr, nullptr,
+        [](GObject* source, GAsyncResult* asyncResult, gpointer data) {
+            std::unique_ptr<std::shared_ptr<Result>> result(static_cast<std::shared_ptr<Result>*>(data));
+            GError* error = nullptr;
+            JSCValue* value = webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(source), asyncResult, &error);
+            if (value) {
+                char* text = jsc_value_to_string(value);
+                (*result)->text = text ? text : "";
+                g_free(text);
+                g_object_unref(value);
+            } else {
+                (*result)->text = std::string("<error: ") + (error ? error->message : "") + ">";
+                g_clear_error(&error);
+            }
+            (*result)->done = true;
+        },
+        new std::shared_ptr<Result>(result));
+    if (!runMainLoopUntil([&] { return result->done; }, 10s)) {
+        return "<timeout>";
+    }
+    return result->text;
+}
+
+bool BridgeTest::waitForScriptValue(VLDBrowserView& view, const std::string& script, const std::string& expected)
+{
+    auto deadline = std::chrono::steady_clock::now() + 10s;
+    while (std::chrono::steady_clock::now() < deadline) {
+        if (evaluate(view, script) == expected) {
+            return true;
+        }
+        runMainLoopFor(50ms);
+    }
+    return false;
+}
+
+} // namespace velder::test
