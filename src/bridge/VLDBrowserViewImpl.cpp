@@ -9,6 +9,7 @@
 #include "bridge/VLDPermissionBridge.h"
 #include "bridge/VLDRequestContextImpl.h"
 
+#include <algorithm>
 #include <cmath>
 #include <webkit/webkit.h>
 
@@ -20,6 +21,9 @@ std::uint64_t nextViewIdentifier = 1;
 
 // A page that never answers a close request is closed anyway after this long.
 constexpr guint closeTimeoutSeconds = 5;
+
+// Keys typed quickly are all offered before the first comes round again unhandled.
+constexpr size_t rememberedKeyEvents = 16;
 
 // Enough of the latest navigation decisions to find the one a main-frame response belongs to.
 constexpr size_t rememberedNavigations = 16;
@@ -95,9 +99,7 @@ VLDBrowserViewImpl::~VLDBrowserViewImpl()
         VLDPermissionBridge::answerParkedPermissions(m_identifier);
         m_webView.reset();
     }
-    if (m_lastKeyEvent) {
-        gdk_event_unref(m_lastKeyEvent);
-    }
+    forgetKeyEvents();
     VLDClient::unregisterView(m_identifier);
 }
 
@@ -431,9 +433,15 @@ void VLDBrowserViewImpl::tearDown()
     VLDClient::disconnectBrowser(webView);
     m_webView.reset();
     m_closeRequested = false;
-    if (m_lastKeyEvent) {
-        gdk_event_unref(std::exchange(m_lastKeyEvent, nullptr));
+    forgetKeyEvents();
+}
+
+void VLDBrowserViewImpl::forgetKeyEvents()
+{
+    for (GdkEvent* event : m_recentKeyEvents) {
+        gdk_event_unref(event);
     }
+    m_recentKeyEvents.clear();
 }
 
 void VLDBrowserViewImpl::reportAddress(const std::string& url)
@@ -507,16 +515,18 @@ gboolean VLDBrowserViewImpl::keyPressed(
         return FALSE;
     }
     GdkEvent* event = gtk_event_controller_get_current_event(GTK_EVENT_CONTROLLER(controller));
-    // A key the page left unhandled comes round again through the window: it was offered once already. The
-    // reference kept on the last event stops its address from being reused by a later one.
-    if (event && event == view->m_lastKeyEvent) {
-        return FALSE;
-    }
+    // A key the page left unhandled comes round again through the window, after any keys typed meanwhile:
+    // it was offered already. The references kept on recent events stop their addresses from being reused.
     if (event) {
-        if (view->m_lastKeyEvent) {
-            gdk_event_unref(view->m_lastKeyEvent);
+        auto& recent = view->m_recentKeyEvents;
+        if (std::find(recent.begin(), recent.end(), event) != recent.end()) {
+            return FALSE;
         }
-        view->m_lastKeyEvent = gdk_event_ref(event);
+        recent.push_back(gdk_event_ref(event));
+        if (recent.size() > rememberedKeyEvents) {
+            gdk_event_unref(recent.front());
+            recent.pop_front();
+        }
     }
     auto delegate = view->delegate();
     if (!delegate) {

@@ -104,6 +104,7 @@ private:
     void tearDown();
     void navigate(const std::string& expectedURL, const std::function<void()>& command);
     void cancelCloseTimeout();
+    void forgetKeyEvents();
     static gboolean keyPressed(GtkEventControllerKey*, unsigned keyval, unsigned keycode, GdkModifierType, gpointer);
 
     std::uint64_t m_identifier;
@@ -137,7 +138,7 @@ private:
     bool m_teardownQueued = false;
     guint m_closeTimeout = 0;
 
-    GdkEvent* m_lastKeyEvent = nullptr;
+    std::deque<GdkEvent*> m_recentKeyEvents;
 };
 
 } // namespace velder

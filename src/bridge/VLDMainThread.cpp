@@ -36,8 +36,9 @@ void VLDRunOnMainThread(std::function<void()> work)
         work();
         return;
     }
-    // From another thread this queues on the default context and wakes it.
-    g_main_context_invoke_full(nullptr, G_PRIORITY_DEFAULT, runWork, new Work(std::move(work)), deleteWork);
+    // Not g_main_context_invoke: from a thread of its own, while the main loop isn't iterating, that acquires
+    // the default context and runs the work right there. An idle source always runs on the main loop.
+    VLDPostToMainThread(std::move(work));
 }
 
 void VLDPostToMainThread(std::function<void()> work)

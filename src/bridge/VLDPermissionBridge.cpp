@@ -209,6 +209,12 @@ void VLDPermissionBridge::answerParkedPermissions(std::uint64_t viewIdentifier)
     }
 }
 
+std::shared_ptr<VLDPermissionRequest> VLDPermissionBridge::requestForTesting(
+    VLDPermissionRequest::Kind kind, const std::string& origin)
+{
+    return std::make_shared<PermissionRequest>(nullptr, kind, origin, nextPromptId++, 0);
+}
+
 std::size_t VLDPermissionBridge::parkedCountForTesting(std::uint64_t viewIdentifier)
 {
     auto row = parkedTable().find(viewIdentifier);

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "bridge/VLDPermissionRequest.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <glib-object.h>
 #include <memory>
+#include <string>
 
 namespace velder {
 
@@ -27,6 +30,8 @@ void withdrawParkedRequests(const std::shared_ptr<VLDBrowserViewImpl>& view);
 void answerParkedPermissions(std::uint64_t viewIdentifier);
 
 std::size_t parkedCountForTesting(std::uint64_t viewIdentifier);
+// A request of no engine request, for tests of the answer-once rules.
+std::shared_ptr<VLDPermissionRequest> requestForTesting(VLDPermissionRequest::Kind kind, const std::string& origin);
 
 } // namespace VLDPermissionBridge
 

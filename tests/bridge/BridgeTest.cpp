@@ -19,9 +19,43 @@ bool RecordingDelegate::isIdleAt(const std::string& url) const
     return !addresses.empty() && addresses.back() == url && !loadingStates.empty() && !loadingStates.back().isLoading;
 }
 
+namespace {
+
+bool engineStarted = false;
+
+} // namespace
+
+bool BridgeTest::engineWasStartedInThisProcess()
+{
+    return engineStarted;
+}
+
+void BridgeTest::noteEngineStarted()
+{
+    engineStarted = true;
+}
+
+int BridgeTest::freeLoopbackPort()
+{
+    GSocket* socket = g_socket_new(G_SOCKET_FAMILY_IPV4, G_SOCKET_TYPE_STREAM, G_SOCKET_PROTOCOL_TCP, nullptr);
+    GInetAddress* loopback = g_inet_address_new_loopback(G_SOCKET_FAMILY_IPV4);
+    GSocketAddress* address = g_inet_socket_address_new(loopback, 0);
+    g_socket_bind(socket, address, TRUE, nullptr);
+    GSocketAddress* bound = g_socket_get_local_address(socket, nullptr);
+    int port = g_inet_socket_address_get_port(G_INET_SOCKET_ADDRESS(bound));
+    g_object_unref(bound);
+    g_object_unref(address);
+    g_object_unref(loopback);
+    g_socket_close(socket, nullptr);
+    g_object_unref(socket);
+    return port;
+}
+
 void BridgeTest::SetUp()
 {
+    engineStarted = true;
     m_profile = std::make_unique<TestProfile>();
+    m_configHome = std::make_unique<ScopedEnv>("XDG_CONFIG_HOME", m_profile->root().file("config"));
     std::string error;
     ASSERT_TRUE(VLDEngineRuntime::start({ "velder" }, &error)) << error;
     m_server = std::make_unique<TestServer>();
@@ -36,6 +70,7 @@ void BridgeTest::TearDown()
     m_windows.clear();
     VLDEngineRuntime::shutdown();
     m_server.reset();
+    m_configHome.reset();
     m_profile.reset();
 }
 
@@ -106,6 +141,28 @@ std::string BridgeTest::evaluate(VLDBrowserView& view, const std::string& script
         return "<timeout>";
     }
     return result->text;
+}
+
+bool BridgeTest::clickElement(
+    VLDBrowserView& view, const std::string& selector, unsigned button, std::initializer_list<unsigned> modifiers)
+{
+    WebKitWebView* webView = webViewOf(view);
+    if (!webView || !waitFor([&] { return gtk_widget_get_mapped(GTK_WIDGET(webView)); })) {
+        return false;
+    }
+    std::string where = evaluate(view,
+        "(() => { const e = document.querySelector('" + selector
+            + "'); if (!e) return ''; const r = e.getBoundingClientRect();"
+              " return Math.round(r.left + r.width / 2) + ',' + Math.round(r.top + r.height / 2); })()");
+    size_t comma = where.find(',');
+    if (comma == std::string::npos) {
+        ADD_FAILURE() << "no element " << selector << ": " << where;
+        return false;
+    }
+    double x = std::stod(where.substr(0, comma));
+    double y = std::stod(where.substr(comma + 1));
+    RealInput::click(GTK_WIDGET(webView), x, y, button, modifiers);
+    return true;
 }
 
 bool BridgeTest::waitForScriptValue(VLDBrowserView& view, const std::string& script, const std::string& expected)

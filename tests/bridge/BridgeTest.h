@@ -5,6 +5,7 @@
 #include "bridge/VLDEngineRuntime.h"
 #include "bridge/VLDPermissionRequest.h"
 #include "support/MainLoop.h"
+#include "support/RealInput.h"
 #include "support/TestServer.h"
 #include "support/TestSupport.h"
 
@@ -82,6 +83,7 @@ public:
     bool takesPermissionRequests = true;
     std::function<bool(const VLDDownloadItem&, std::shared_ptr<VLDDownloadCallback>)> decideDownload;
     std::function<void(VLDBrowserView&)> onWillDestroy;
+    std::function<void(VLDBrowserView&)> onCreated;
 
     void didChangeAddress(VLDBrowserView&, const std::string& url) override { addresses.push_back(url); }
     void didChangeTitle(VLDBrowserView&, const std::string& title) override { titles.push_back(title); }
@@ -97,7 +99,13 @@ public:
     {
         failures.push_back({ code, text, url });
     }
-    void didCreateBrowser(VLDBrowserView&) override { events.push_back("created"); }
+    void didCreateBrowser(VLDBrowserView& view) override
+    {
+        events.push_back("created");
+        if (onCreated) {
+            onCreated(view);
+        }
+    }
     std::shared_ptr<VLDBrowserView> hostViewForPopup(VLDBrowserView&, const std::string& url, bool gesture) override
     {
         events.push_back("popup:" + url);
@@ -172,6 +180,13 @@ public:
 
 // Each test: its own profile, the engine started, a loopback server, and windows that go at the end.
 class BridgeTest : public ::testing::Test {
+public:
+    // Whether a test of this process started the engine already (some of its settings are read once).
+    static bool engineWasStartedInThisProcess();
+    static void noteEngineStarted();
+    // A port on 127.0.0.1 that nothing listens on: bound, then closed.
+    static int freeLoopbackPort();
+
 protected:
     void SetUp() override;
     void TearDown() override;
@@ -190,12 +205,18 @@ protected:
     // Waits until the script's value, as text, is `expected`.
     bool waitForScriptValue(VLDBrowserView& view, const std::string& script, const std::string& expected);
 
+    // A real click (see RealInput) at the middle of the first element the selector finds.
+    bool clickElement(VLDBrowserView& view, const std::string& selector, unsigned button = 1,
+        std::initializer_list<unsigned> modifiers = {});
+
     bool waitFor(const std::function<bool()>& condition, std::chrono::milliseconds timeout = 10s)
     {
         return runMainLoopUntil(condition, timeout);
     }
 
     std::unique_ptr<TestProfile> m_profile;
+    // GLib reads the user's folders (the download folder among them) from here.
+    std::unique_ptr<ScopedEnv> m_configHome;
     std::unique_ptr<TestServer> m_server;
     std::vector<GtkWidget*> m_windows;
     std::vector<std::shared_ptr<VLDBrowserView>> m_views;

@@ -44,7 +44,7 @@ TEST_F(BrowserViewTest, BrowserIsCreatedOncePlacedInAWindowWithWhatWasGivenBefor
     WebKitWebView* first = webViewOf(*view);
     EXPECT_NEAR(webkit_web_view_get_zoom_level(first), std::pow(1.2, 2.0), 1e-9);
 
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/second")); }));
+    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/second")) && view->pageTitle() == "Second"; }));
     EXPECT_FALSE(m_server->received("/first"));
     EXPECT_EQ(view->currentURL(), m_server->url("/second"));
     EXPECT_EQ(view->pageTitle(), "Second");

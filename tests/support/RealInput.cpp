@@ -53,12 +53,12 @@ bool available()
     return xDisplay() && xtest();
 }
 
-void click(GtkWidget* widget, double x, double y, unsigned button, std::initializer_list<unsigned> modifiers)
+namespace {
+
+// The widget's toplevel X window, raised and given the keyboard, and where (x, y) of the widget lies on the
+// screen. Other windows may have come and gone over the same place since the last test.
+Window prepareWindow(Display* display, GtkWidget* widget, double x, double y, int* rootX, int* rootY)
 {
-    Display* display = xDisplay();
-    if (!display || !xtest()) {
-        return;
-    }
     GtkNative* native = gtk_widget_get_native(widget);
     double inNativeX = 0;
     double inNativeY = 0;
@@ -67,30 +67,50 @@ void click(GtkWidget* widget, double x, double y, unsigned button, std::initiali
     double surfaceY = 0;
     gtk_native_get_surface_transform(native, &surfaceX, &surfaceY);
     Window window = gdk_x11_surface_get_xid(gtk_native_get_surface(native));
-    int rootX = 0;
-    int rootY = 0;
     Window child = 0;
     XTranslateCoordinates(display, window, DefaultRootWindow(display), static_cast<int>(inNativeX + surfaceX),
-        static_cast<int>(inNativeY + surfaceY), &rootX, &rootY, &child);
-
-    xtest()->fakeMotion(display, -1, rootX, rootY, CurrentTime);
-    for (unsigned modifier : modifiers) {
-        keyEvent(display, modifier, true);
-    }
-    xtest()->fakeButton(display, button, True, CurrentTime);
-    xtest()->fakeButton(display, button, False, CurrentTime);
-    for (unsigned modifier : std::vector<unsigned>(modifiers)) {
-        keyEvent(display, modifier, false);
-    }
-    XFlush(display);
+        static_cast<int>(inNativeY + surfaceY), rootX, rootY, &child);
+    XRaiseWindow(display, window);
+    XSetInputFocus(display, window, RevertToParent, CurrentTime);
+    // From elsewhere onto the point, so that the window sees the pointer arrive.
+    xtest()->fakeMotion(display, -1, *rootX > 10 ? *rootX - 10 : *rootX + 10, *rootY, CurrentTime);
+    xtest()->fakeMotion(display, -1, *rootX, *rootY, CurrentTime);
+    XSync(display, False);
+    return window;
 }
 
-void pressKey(unsigned keyval, std::initializer_list<unsigned> modifiers)
+} // namespace
+
+void click(GtkWidget* widget, double x, double y, unsigned button, std::initializer_list<unsigned> modifiers)
 {
     Display* display = xDisplay();
     if (!display || !xtest()) {
         return;
     }
+    int rootX = 0;
+    int rootY = 0;
+    prepareWindow(display, widget, x, y, &rootX, &rootY);
+    for (unsigned modifier : modifiers) {
+        keyEvent(display, modifier, true);
+    }
+    xtest()->fakeButton(display, button, True, CurrentTime);
+    xtest()->fakeButton(display, button, False, CurrentTime);
+    for (unsigned modifier : modifiers) {
+        keyEvent(display, modifier, false);
+    }
+    XSync(display, False);
+}
+
+void pressKey(GtkWidget* widget, unsigned keyval, std::initializer_list<unsigned> modifiers)
+{
+    Display* display = xDisplay();
+    if (!display || !xtest()) {
+        return;
+    }
+    int rootX = 0;
+    int rootY = 0;
+    prepareWindow(
+        display, widget, gtk_widget_get_width(widget) / 2.0, gtk_widget_get_height(widget) / 2.0, &rootX, &rootY);
     for (unsigned modifier : modifiers) {
         keyEvent(display, modifier, true);
     }
@@ -99,7 +119,7 @@ void pressKey(unsigned keyval, std::initializer_list<unsigned> modifiers)
     for (unsigned modifier : modifiers) {
         keyEvent(display, modifier, false);
     }
-    XFlush(display);
+    XSync(display, False);
 }
 
 } // namespace velder::test::RealInput

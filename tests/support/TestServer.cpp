@@ -30,6 +30,10 @@ TestServer::TestServer()
 
 TestServer::~TestServer()
 {
+    for (auto& [source, message] : m_held) {
+        g_source_remove(source);
+        g_object_unref(message);
+    }
     soup_server_disconnect(m_server);
     g_object_unref(m_server);
 }
@@ -47,6 +51,33 @@ void TestServer::route(const std::string& path, TestResponse response)
 void TestServer::route(const std::string& path, Handler handler)
 {
     m_routes[path] = std::move(handler);
+}
+
+void TestServer::hold(void* message, int milliseconds)
+{
+    soup_server_message_pause(static_cast<SoupServerMessage*>(message));
+    g_object_ref(message);
+    struct Release {
+        TestServer* server;
+        void* message;
+    };
+    guint source = g_timeout_add_full(
+        G_PRIORITY_DEFAULT, static_cast<guint>(milliseconds),
+        [](gpointer data) -> gboolean {
+            auto* release = static_cast<Release*>(data);
+            auto& held = release->server->m_held;
+            for (auto it = held.begin(); it != held.end(); ++it) {
+                if (it->second == release->message) {
+                    held.erase(it);
+                    break;
+                }
+            }
+            soup_server_message_unpause(static_cast<SoupServerMessage*>(release->message));
+            g_object_unref(release->message);
+            return G_SOURCE_REMOVE;
+        },
+        new Release { this, message }, [](gpointer data) { delete static_cast<Release*>(data); });
+    m_held.emplace_back(source, message);
 }
 
 int TestServer::count(const std::string& path) const
@@ -96,6 +127,9 @@ void TestServer::handle(SoupServer*, void* messagePointer, const char* path, voi
     soup_server_message_set_status(message, static_cast<guint>(response.status), nullptr);
     soup_server_message_set_response(
         message, response.contentType.c_str(), SOUP_MEMORY_COPY, response.body.data(), response.body.size());
+    if (response.delayMilliseconds > 0) {
+        self->hold(message, response.delayMilliseconds);
+    }
 }
 
 } // namespace velder::test

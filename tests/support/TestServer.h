@@ -27,6 +27,7 @@ struct TestResponse {
     std::string body;
     std::vector<std::pair<std::string, std::string>> headers;
     std::string location; // with a 3xx status: the redirect's target
+    int delayMilliseconds = 0; // the answer is held this long
 
     static TestResponse html(std::string body) { return { 200, "text/html; charset=utf-8", std::move(body) }; }
     static TestResponse redirect(std::string to) { return { 302, "text/plain", {}, {}, std::move(to) }; }
@@ -59,12 +60,14 @@ public:
 
 private:
     static void handle(SoupServer*, void* message, const char* path, void* query, void* self);
+    void hold(void* message, int milliseconds);
 
     SoupServer* m_server = nullptr;
     int m_port = 0;
     bool m_logsFavicon = false;
     std::map<std::string, Handler> m_routes;
     std::vector<TestRequest> m_requests;
+    std::vector<std::pair<unsigned, void*>> m_held; // timeout source, paused message
 };
 
 } // namespace velder::test
