@@ -103,4 +103,27 @@ TEST_F(BrowserViewTest, ReportsAddressTitleAndLoadingState)
     EXPECT_TRUE(delegate->failures.empty());
 }
 
+// Clearing takes the session's cookies: the next request goes without them.
+TEST_F(BrowserViewTest, ClearCookiesAndCache)
+{
+    m_server->route("/set", TestResponse { 200, "text/html", page("Set"), { { "Set-Cookie", "k=v; Max-Age=3600" } } });
+    m_server->route("/check", TestResponse::html(page("Check")));
+    auto delegate = std::make_shared<RecordingDelegate>();
+    auto view = openView(m_server->url("/set"), delegate);
+    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/set")); }));
+    ASSERT_TRUE(loadAndWait(*view, *delegate, m_server->url("/check")));
+    EXPECT_EQ(m_server->requests().back().header("cookie"), "k=v");
+
+    view->clearCookiesAndCache();
+    // The engine clears in the background: ask again until the cookie is gone, or time runs out.
+    EXPECT_TRUE(waitFor(
+        [&] {
+            size_t before = m_server->requests().size();
+            view->reloadIgnoringCache();
+            runMainLoopUntil([&] { return m_server->requests().size() > before && !view->isLoading(); }, 2s);
+            return m_server->requests().back().path == "/check" && m_server->requests().back().header("cookie").empty();
+        },
+        10s));
+}
+
 } // namespace velder::test

@@ -136,6 +136,31 @@ TEST_F(LifeSpanTest, APageThatRefusesToUnloadStays)
     EXPECT_EQ(evaluate(*view, "document.title"), "Stay");
 }
 
+// A page too busy to answer a close is closed anyway (the engine gives up on it itself; the bridge's own
+// time limit is the last resort).
+TEST_F(LifeSpanTest, AHungPageIsClosedAnyway)
+{
+    if (!RealInput::available()) {
+        GTEST_SKIP() << "needs XTest";
+    }
+    // The engine asks a page about leaving only when it has an unload handler and the user has touched it;
+    // this one then never answers.
+    std::string body = std::string("<button id=b ") + bigButton
+        + " onclick='setTimeout(() => { for (;;) { } }, 100)'>hang</button>"
+          "<script>addEventListener('beforeunload', () => {});</script>";
+    m_server->route("/busy", TestResponse::html(page("Busy", body)));
+    auto delegate = std::make_shared<RecordingDelegate>();
+    auto view = openView(m_server->url("/busy"), delegate);
+    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/busy")); }));
+    ASSERT_TRUE(clickElement(*view, "#b"));
+    runMainLoopFor(300ms);
+
+    view->requestClose();
+    ASSERT_TRUE(waitFor([&] { return delegate->hasEvent("destroy"); }, 15s));
+    EXPECT_EQ(delegate->events, (std::vector<std::string> { "created", "tearDown", "destroy" }));
+    EXPECT_FALSE(view->hasBrowser());
+}
+
 TEST_F(LifeSpanTest, APopupThatClosesItselfIsTornDown)
 {
     if (!RealInput::available()) {

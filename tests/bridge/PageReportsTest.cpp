@@ -226,6 +226,25 @@ TEST_F(PageReportsTest, ContextMenuInfo)
     EXPECT_TRUE(delegate->contextMenus[2].selectionText.starts_with("words"));
 }
 
+// A bad certificate is refused, never let through, and reported twice: as the refusal and as the failed
+// load, both with the number of its worst problem.
+TEST_F(PageReportsTest, BadCertificatesAreRefused)
+{
+    TestServer secure(TestServer::Scheme::https);
+    secure.route("/secret", TestResponse::html(page("Secret")));
+    auto delegate = std::make_shared<RecordingDelegate>();
+    auto view = openView(secure.url("/secret"), delegate);
+
+    ASSERT_TRUE(waitFor([&] { return !delegate->failures.empty() && !view->isLoading(); }));
+    ASSERT_EQ(delegate->refusedCertificates.size(), 1u);
+    EXPECT_EQ(delegate->refusedCertificates[0], std::make_pair(secure.url("/secret"), -202));
+    ASSERT_EQ(delegate->failures.size(), 1u);
+    EXPECT_EQ(delegate->failures[0].code, -202);
+    EXPECT_EQ(delegate->failures[0].url, secure.url("/secret"));
+    EXPECT_FALSE(secure.received("/secret"));
+    EXPECT_NE(view->pageTitle(), "Secret");
+}
+
 TEST_F(PageReportsTest, AnEndedWebProcessIsReported)
 {
     m_server->route("/page", TestResponse::html(page("Page")));

@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <libsoup/soup.h>
+#include <memory>
+#include <openssl/evp.h>
+#include <openssl/pem.h>
+#include <openssl/x509.h>
 #include <stdexcept>
 
 namespace velder::test {
@@ -12,13 +16,65 @@ std::string TestRequest::header(const std::string& lowerCaseName) const
     return found == headers.end() ? std::string() : found->second;
 }
 
-TestServer::TestServer()
+namespace {
+
+std::string toPEM(const std::function<int(BIO*)>& write)
+{
+    BIO* bio = BIO_new(BIO_s_mem());
+    write(bio);
+    char* data = nullptr;
+    long length = BIO_get_mem_data(bio, &data);
+    std::string text(data, static_cast<size_t>(length));
+    BIO_free(bio);
+    return text;
+}
+
+// A certificate for "localhost", signed with its own key, valid for a day.
+GTlsCertificate* selfSignedCertificate()
+{
+    EVP_PKEY* key = EVP_RSA_gen(2048);
+    X509* certificate = X509_new();
+    X509_set_version(certificate, 2);
+    ASN1_INTEGER_set(X509_get_serialNumber(certificate), 1);
+    X509_gmtime_adj(X509_getm_notBefore(certificate), -60);
+    X509_gmtime_adj(X509_getm_notAfter(certificate), 24 * 3600);
+    X509_set_pubkey(certificate, key);
+    X509_NAME* name = X509_get_subject_name(certificate);
+    X509_NAME_add_entry_by_txt(
+        name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>("localhost"), -1, -1, 0);
+    X509_set_issuer_name(certificate, name);
+    X509_sign(certificate, key, EVP_sha256());
+    std::string pem = toPEM([&](BIO* bio) { return PEM_write_bio_X509(bio, certificate); })
+        + toPEM([&](BIO* bio) { return PEM_write_bio_PrivateKey(bio, key, nullptr, nullptr, 0, nullptr, nullptr); });
+    X509_free(certificate);
+    EVP_PKEY_free(key);
+    GError* error = nullptr;
+    GTlsCertificate* tls = g_tls_certificate_new_from_pem(pem.c_str(), static_cast<gssize>(pem.size()), &error);
+    if (!tls) {
+        std::string message = error->message;
+        g_error_free(error);
+        throw std::runtime_error("the test certificate could not be made: " + message);
+    }
+    return tls;
+}
+
+} // namespace
+
+TestServer::TestServer(Scheme scheme)
+    : m_scheme(scheme)
 {
     m_server = soup_server_new(nullptr, nullptr);
+    if (scheme == Scheme::https) {
+        GTlsCertificate* certificate = selfSignedCertificate();
+        soup_server_set_tls_certificate(m_server, certificate);
+        g_object_unref(certificate);
+    }
     soup_server_add_handler(
         m_server, nullptr, reinterpret_cast<SoupServerCallback>(&TestServer::handle), this, nullptr);
     GError* error = nullptr;
-    if (!soup_server_listen_local(m_server, 0, SOUP_SERVER_LISTEN_IPV4_ONLY, &error)) {
+    auto options = static_cast<SoupServerListenOptions>(
+        SOUP_SERVER_LISTEN_IPV4_ONLY | (scheme == Scheme::https ? SOUP_SERVER_LISTEN_HTTPS : 0));
+    if (!soup_server_listen_local(m_server, 0, options, &error)) {
         std::string message = error->message;
         g_error_free(error);
         throw std::runtime_error("the test server could not listen: " + message);
@@ -40,7 +96,7 @@ TestServer::~TestServer()
 
 std::string TestServer::url(const std::string& path) const
 {
-    return "http://127.0.0.1:" + std::to_string(m_port) + path;
+    return std::string(m_scheme == Scheme::https ? "https" : "http") + "://127.0.0.1:" + std::to_string(m_port) + path;
 }
 
 void TestServer::route(const std::string& path, TestResponse response)

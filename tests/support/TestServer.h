@@ -39,14 +39,17 @@ struct TestResponse {
 class TestServer {
 public:
     using Handler = std::function<TestResponse(const TestRequest&)>;
+    enum class Scheme { http, https };
 
-    TestServer();
+    // With https, the server shows a certificate it signed itself for "localhost", which no browser
+    // accepts: the certificate's authority is unknown and its name isn't 127.0.0.1.
+    explicit TestServer(Scheme scheme = Scheme::http);
     ~TestServer();
     TestServer(const TestServer&) = delete;
     TestServer& operator=(const TestServer&) = delete;
 
     int port() const { return m_port; }
-    // "http://127.0.0.1:<port>" followed by the path.
+    // "http://127.0.0.1:<port>" (or https) followed by the path.
     std::string url(const std::string& path) const;
 
     void route(const std::string& path, TestResponse response);
@@ -64,6 +67,7 @@ private:
 
     SoupServer* m_server = nullptr;
     int m_port = 0;
+    Scheme m_scheme;
     bool m_logsFavicon = false;
     std::map<std::string, Handler> m_routes;
     std::vector<TestRequest> m_requests;
