@@ -107,40 +107,74 @@ WebKitWebView* BridgeTest::webViewOf(VLDBrowserView& view)
     return webView ? WEBKIT_WEB_VIEW(webView) : nullptr;
 }
 
-std::string BridgeTest::evaluate(VLDBrowserView& view, const std::string& script)
+namespace {
+
+using ScriptFinish = JSCValue* (*)(WebKitWebView*, GAsyncResult*, GError**);
+
+struct ScriptResult {
+    ScriptFinish finish = nullptr;
+    bool done = false;
+    std::string text;
+};
+
+void onScriptResult(GObject* source, GAsyncResult* asyncResult, gpointer data)
 {
-    struct Result {
-        bool done = false;
-        std::string text;
-    };
-    WebKitWebView* webView = webViewOf(view);
-    if (!webView) {
-        return "<no browser>";
+    std::unique_ptr<std::shared_ptr<ScriptResult>> owned(static_cast<std::shared_ptr<ScriptResult>*>(data));
+    ScriptResult& result = **owned;
+    GError* error = nullptr;
+    JSCValue* value = result.finish(WEBKIT_WEB_VIEW(source), asyncResult, &error);
+    if (value) {
+        char* text = jsc_value_to_string(value);
+        result.text = text ? text : "";
+        g_free(text);
+        g_object_unref(value);
+    } else {
+        result.text = std::string("<error: ") + (error ? error->message : "") + ">";
+        g_clear_error(&error);
     }
-    // Shared with the callback, which may come after a timeout.
-    auto result = std::make_shared<Result>();
-    webkit_web_view_evaluate_javascript(
-        webView, script.c_str(), -1, nullptr, nullptr, nullptr,
-        [](GObject* source, GAsyncResult* asyncResult, gpointer data) {
-            std::unique_ptr<std::shared_ptr<Result>> result(static_cast<std::shared_ptr<Result>*>(data));
-            GError* error = nullptr;
-            JSCValue* value = webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(source), asyncResult, &error);
-            if (value) {
-                char* text = jsc_value_to_string(value);
-                (*result)->text = text ? text : "";
-                g_free(text);
-                g_object_unref(value);
-            } else {
-                (*result)->text = std::string("<error: ") + (error ? error->message : "") + ">";
-                g_clear_error(&error);
-            }
-            (*result)->done = true;
-        },
-        new std::shared_ptr<Result>(result));
+    result.done = true;
+}
+
+// Starts a script with the callback and data given, and waits for its value as text. The result is shared
+// with the callback, which may come after a timeout.
+std::string waitForScript(const std::function<void(GAsyncReadyCallback, gpointer)>& start, ScriptFinish finish)
+{
+    auto result = std::make_shared<ScriptResult>();
+    result->finish = finish;
+    start(onScriptResult, new std::shared_ptr<ScriptResult>(result));
     if (!runMainLoopUntil([&] { return result->done; }, 10s)) {
         return "<timeout>";
     }
     return result->text;
+}
+
+} // namespace
+
+std::string BridgeTest::evaluate(VLDBrowserView& view, const std::string& script)
+{
+    WebKitWebView* webView = webViewOf(view);
+    if (!webView) {
+        return "<no browser>";
+    }
+    return waitForScript(
+        [&](GAsyncReadyCallback callback, gpointer data) {
+            webkit_web_view_evaluate_javascript(webView, script.c_str(), -1, nullptr, nullptr, nullptr, callback, data);
+        },
+        webkit_web_view_evaluate_javascript_finish);
+}
+
+std::string BridgeTest::callInWorld(VLDBrowserView& view, const std::string& functionBody, const char* world)
+{
+    WebKitWebView* webView = webViewOf(view);
+    if (!webView) {
+        return "<no browser>";
+    }
+    return waitForScript(
+        [&](GAsyncReadyCallback callback, gpointer data) {
+            webkit_web_view_call_async_javascript_function(
+                webView, functionBody.c_str(), -1, nullptr, world, nullptr, nullptr, callback, data);
+        },
+        webkit_web_view_call_async_javascript_function_finish);
 }
 
 bool BridgeTest::clickElement(

@@ -202,6 +202,9 @@ protected:
     static WebKitWebView* webViewOf(VLDBrowserView& view);
     // Runs a script in the page (as the user would, so it counts as a gesture) and gives its value as text.
     std::string evaluate(VLDBrowserView& view, const std::string& script);
+    // Runs the body of an async function (it may return a promise) in the given script world, and gives its
+    // value as text.
+    std::string callInWorld(VLDBrowserView& view, const std::string& functionBody, const char* world);
     // Waits until the script's value, as text, is `expected`.
     bool waitForScriptValue(VLDBrowserView& view, const std::string& script, const std::string& expected);
 

@@ -65,37 +65,11 @@ protected:
     // policy doesn't bind), and gives the status and the headers the engine saw, as "status|name: value|...".
     std::string fetchFromPage(VLDBrowserView& view, const std::string& url)
     {
-        struct Result {
-            bool done = false;
-            std::string text;
-        };
-        auto result = std::make_shared<Result>();
-        std::string body = "return fetch('" + url
-            + "').then(r => r.status + '|' + ['content-type', 'cache-control', 'content-security-policy']"
-              ".map(n => n + ': ' + r.headers.get(n)).join('|'));";
-        webkit_web_view_call_async_javascript_function(
-            webViewOf(view), body.c_str(), -1, nullptr, "velder-tests", nullptr, nullptr,
-            [](GObject* source, GAsyncResult* asyncResult, gpointer data) {
-                std::unique_ptr<std::shared_ptr<Result>> result(static_cast<std::shared_ptr<Result>*>(data));
-                GError* error = nullptr;
-                JSCValue* value = webkit_web_view_call_async_javascript_function_finish(
-                    WEBKIT_WEB_VIEW(source), asyncResult, &error);
-                if (value) {
-                    char* text = jsc_value_to_string(value);
-                    (*result)->text = text ? text : "";
-                    g_free(text);
-                    g_object_unref(value);
-                } else {
-                    (*result)->text = std::string("<error: ") + (error ? error->message : "") + ">";
-                    g_clear_error(&error);
-                }
-                (*result)->done = true;
-            },
-            new std::shared_ptr<Result>(result));
-        if (!runMainLoopUntil([&] { return result->done; }, 10s)) {
-            return "<timeout>";
-        }
-        return result->text;
+        return callInWorld(view,
+            "return fetch('" + url
+                + "').then(r => r.status + '|' + ['content-type', 'cache-control', 'content-security-policy']"
+                  ".map(n => n + ': ' + r.headers.get(n)).join('|'));",
+            "velder-tests");
     }
 
     std::vector<Call> m_calls;
