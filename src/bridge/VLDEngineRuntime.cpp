@@ -1,8 +1,18 @@
 #include "bridge/VLDEngineRuntime.h"
 
+#include "bridge/VLDIconFetch.h"
+#include "bridge/VLDRequestContextImpl.h"
+#include "bridge/VLDSchemeHandler.h"
+#include "core/AppInfo.h"
 #include "core/Format.h"
+#include "core/Log.h"
 
+#include <chrono>
+#include <cstring>
+#include <fcntl.h>
 #include <gtk/gtk.h>
+#include <thread>
+#include <unistd.h>
 #include <webkit/webkit.h>
 
 namespace velder {
@@ -10,10 +20,103 @@ namespace velder {
 namespace {
 
 bool started = false;
+// The standard error the program was started with, kept for Velder's own lines while the engine log
+// stands in its place; -1 when it wasn't moved.
+int originalStandardError = -1;
+
+constexpr std::string_view portSwitch = "--remote-debugging-port=";
+constexpr const char* velderLogDomain = "Velder";
+
+// GLib messages of the engine and the toolkit: warnings and worse go to the log (standard error, which is
+// the engine log now); chatter below that is dropped, except Velder's own.
+GLogWriterOutput writeEngineLog(GLogLevelFlags level, const GLogField* fields, gsize count, gpointer)
+{
+    const char* domain = nullptr;
+    for (gsize i = 0; i < count; ++i) {
+        if (std::strcmp(fields[i].key, "GLIB_DOMAIN") == 0) {
+            domain = static_cast<const char*>(fields[i].value);
+            break;
+        }
+    }
+    bool ours = domain && std::strcmp(domain, velderLogDomain) == 0;
+    if (!ours && (level & (G_LOG_LEVEL_MESSAGE | G_LOG_LEVEL_INFO | G_LOG_LEVEL_DEBUG))) {
+        return G_LOG_WRITER_HANDLED;
+    }
+    return g_log_writer_standard_streams(level, fields, count, nullptr);
+}
+
+// Before the first engine object: the engine's web and network processes inherit descriptor 2.
+void openEngineLog()
+{
+    static bool writerInstalled = false;
+    if (!writerInstalled) {
+        // GLib allows one writer per process.
+        g_log_set_writer_func(writeEngineLog, nullptr, nullptr);
+        writerInstalled = true;
+    }
+    std::string path = AppInfo::engineLogFile();
+    int log = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+    if (log < 0) {
+        velder::log(format("Velder: the engine log %s could not be opened (%s); the engine writes to standard error.",
+            path.c_str(), std::strerror(errno)));
+        return;
+    }
+    originalStandardError = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3);
+    if (originalStandardError >= 0) {
+        setLogDescriptor(originalStandardError);
+        std::fflush(stderr);
+        dup2(log, STDERR_FILENO);
+    }
+    close(log);
+}
+
+void closeEngineLog()
+{
+    if (originalStandardError < 0) {
+        return;
+    }
+    std::fflush(stderr);
+    dup2(originalStandardError, STDERR_FILENO);
+    setLogDescriptor(STDERR_FILENO);
+    close(originalStandardError);
+    originalStandardError = -1;
+}
+
+std::optional<int> parsePort(std::string_view text)
+{
+    if (text.empty() || text.size() > 5) {
+        return std::nullopt;
+    }
+    int value = 0;
+    for (char c : text) {
+        if (c < '0' || c > '9') {
+            return std::nullopt;
+        }
+        value = value * 10 + (c - '0');
+    }
+    if (value < 1 || value > 65535) {
+        return std::nullopt;
+    }
+    return value;
+}
 
 } // namespace
 
-bool VLDEngineRuntime::start(const std::vector<std::string>&, std::string* error)
+std::optional<int> VLDEngineRuntime::remoteDebuggingPort(const std::vector<std::string>& arguments)
+{
+    std::optional<int> port;
+    for (const auto& argument : arguments) {
+        if (!std::string_view(argument).starts_with(portSwitch)) {
+            continue;
+        }
+        if (auto value = parsePort(std::string_view(argument).substr(portSwitch.size()))) {
+            port = value;
+        }
+    }
+    return port;
+}
+
+bool VLDEngineRuntime::start(const std::vector<std::string>& arguments, std::string* error)
 {
     if (started) {
         return true;
@@ -24,6 +127,16 @@ bool VLDEngineRuntime::start(const std::vector<std::string>&, std::string* error
         }
         return false;
     }
+    AppInfo::prepareDirectories();
+    openEngineLog();
+    if (auto port = remoteDebuggingPort(arguments)) {
+        // Read by the engine when it makes its first view: loopback only.
+        g_setenv("WEBKIT_INSPECTOR_HTTP_SERVER", format("127.0.0.1:%d", *port).c_str(), TRUE);
+    }
+    WebKitWebContext* context = webkit_web_context_get_default();
+    webkit_web_context_set_cache_model(context, WEBKIT_CACHE_MODEL_WEB_BROWSER);
+    VLDSchemeHandler::registerScheme();
+    VLDRequestContextImpl::startGlobalContext(AppInfo::engineDirectory(), AppInfo::engineCacheDirectory());
     started = true;
     return true;
 }
@@ -34,6 +147,14 @@ void VLDEngineRuntime::shutdown()
         return;
     }
     started = false;
+    VLDIconFetch::cancelAll();
+    VLDRequestContextImpl::stopGlobalContext();
+    // Let the engine's last messages (closing pages, their unload handlers) go out before the process ends.
+    for (int pass = 0; pass < 5; ++pass) {
+        while (g_main_context_iteration(nullptr, FALSE)) { }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    closeEngineLog();
 }
 
 bool VLDEngineRuntime::isStarted()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -7,7 +8,9 @@ namespace velder {
 
 // Starts and stops the page engine. WebKitGTK runs on GLib's main loop, so there is no pump to drive:
 // starting means opening the display, preparing the web context and the persistent network session,
-// registering the velder:// scheme and sending the engine's warnings to its log.
+// registering the velder:// scheme and sending the engine's warnings to its log. From then on standard
+// error is the engine log ("engine_log.txt"), which the engine's own processes inherit; Velder's lines
+// still go to the standard error the program was started with.
 //
 // All of it runs on the main thread.
 class VLDEngineRuntime {
@@ -23,6 +26,10 @@ public:
     static std::string engineVersion();
     // GTK's run-time version.
     static std::string toolkitVersion();
+
+    // The port of the remote inspector from the arguments: the value of the last
+    // "--remote-debugging-port=N" whose N is a number from 1 to 65535; an invalid one leaves the one before.
+    static std::optional<int> remoteDebuggingPort(const std::vector<std::string>& arguments);
 };
 
 } // namespace velder

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+
+namespace velder {
+
+// The key hook speaks Windows virtual key codes and Velder's modifier bits, as the shortcut table does;
+// GTK speaks key values, hardware key codes and modifier masks.
+namespace VLDKeyCodes {
+
+// The code of a key from its key value on the first level of the layout (the unshifted symbol), or 0 when
+// the table has none.
+std::int32_t windowsKeyCodeForKeyval(unsigned keyval);
+
+// For layouts whose keys carry no Latin symbol: the code of the key in the same place on a US keyboard,
+// from the X11 key code (the evdev code plus 8), or 0.
+std::int32_t windowsKeyCodeForHardwareKeycode(unsigned keycode);
+
+// GdkModifierType bits to Velder's modifier bits: Ctrl is the command bit, then Alt and Shift.
+std::uint32_t modifiersForState(unsigned state);
+
+} // namespace VLDKeyCodes
+
+} // namespace velder

@@ -1,0 +1,228 @@
+#pragma once
+
+#include "bridge/VLDBrowserView.h"
+#include "bridge/VLDBrowserViewImpl.h"
+#include "bridge/VLDEngineRuntime.h"
+#include "bridge/VLDPermissionRequest.h"
+#include "support/MainLoop.h"
+#include "support/RealInput.h"
+#include "support/TestServer.h"
+#include "support/TestSupport.h"
+
+#include <chrono>
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <vector>
+#include <webkit/webkit.h>
+
+namespace velder::test {
+
+using namespace std::chrono_literals;
+
+// A delegate that writes down everything a view reports, and answers as the test sets it up.
+class RecordingDelegate : public VLDBrowserDelegate {
+public:
+    struct LoadingState {
+        bool isLoading;
+        bool canGoBack;
+        bool canGoForward;
+    };
+    struct Failure {
+        std::int32_t code;
+        std::string text;
+        std::string url;
+    };
+    struct NewTab {
+        std::string url;
+        bool foreground;
+    };
+    struct FindResult {
+        std::int32_t count;
+        std::int32_t activeMatch;
+    };
+    struct Key {
+        std::int32_t code;
+        std::uint32_t modifiers;
+    };
+    struct Navigation {
+        std::string url;
+        bool isUserGesture;
+        bool isRedirect;
+    };
+
+    std::vector<std::string> addresses;
+    std::vector<std::string> titles;
+    std::vector<std::vector<std::string>> faviconLists;
+    std::vector<LoadingState> loadingStates;
+    std::vector<Failure> failures;
+    std::vector<std::pair<std::string, std::int32_t>> refusedCertificates;
+    std::vector<std::int64_t> terminations;
+    std::vector<NewTab> newTabs;
+    std::vector<FindResult> findResults;
+    std::vector<Key> keys;
+    std::vector<Navigation> navigations;
+    std::vector<VLDContextMenuInfo> contextMenus;
+    std::vector<std::shared_ptr<VLDPermissionRequest>> permissionRequests;
+    std::vector<std::shared_ptr<VLDPermissionRequest>> withdrawnRequests;
+    std::vector<VLDDownloadItem> downloadQuestions;
+    std::vector<VLDDownloadItem> downloadUpdates;
+    std::vector<std::shared_ptr<VLDDownloadCallback>> downloadCallbacks;
+    // Life-span events in order: "created", "popup:<url>", "tearDown", "destroy".
+    std::vector<std::string> events;
+
+    // Answers, for the operations that have one.
+    std::function<std::shared_ptr<VLDBrowserView>(const std::string& url, bool isUserGesture)> popupHost;
+    std::function<bool(const std::string& url)> allowNavigation = [](const std::string&) { return true; };
+    bool handlesNewTabs = true;
+    bool keepsContextMenu = false;
+    std::function<bool(std::int32_t code, std::uint32_t modifiers)> handlesKey
+        = [](std::int32_t, std::uint32_t) { return false; };
+    // Returned by shouldHandlePermissionRequest; the request is kept in permissionRequests.
+    bool takesPermissionRequests = true;
+    std::function<bool(const VLDDownloadItem&, std::shared_ptr<VLDDownloadCallback>)> decideDownload;
+    std::function<void(VLDBrowserView&)> onWillDestroy;
+    std::function<void(VLDBrowserView&)> onCreated;
+
+    void didChangeAddress(VLDBrowserView&, const std::string& url) override { addresses.push_back(url); }
+    void didChangeTitle(VLDBrowserView&, const std::string& title) override { titles.push_back(title); }
+    void didChangeFaviconURLs(VLDBrowserView&, const std::vector<std::string>& urls) override
+    {
+        faviconLists.push_back(urls);
+    }
+    void didChangeLoadingState(VLDBrowserView&, bool isLoading, bool canGoBack, bool canGoForward) override
+    {
+        loadingStates.push_back({ isLoading, canGoBack, canGoForward });
+    }
+    void didFailLoad(VLDBrowserView&, std::int32_t code, const std::string& text, const std::string& url) override
+    {
+        failures.push_back({ code, text, url });
+    }
+    void didCreateBrowser(VLDBrowserView& view) override
+    {
+        events.push_back("created");
+        if (onCreated) {
+            onCreated(view);
+        }
+    }
+    std::shared_ptr<VLDBrowserView> hostViewForPopup(VLDBrowserView&, const std::string& url, bool gesture) override
+    {
+        events.push_back("popup:" + url);
+        return popupHost ? popupHost(url, gesture) : nullptr;
+    }
+    void didCreatePopup(VLDBrowserView&, VLDBrowserView& popup) override
+    {
+        events.push_back("didCreatePopup:" + std::to_string(popup.identifier()));
+    }
+    void shouldTearDownForClose(VLDBrowserView&) override { events.push_back("tearDown"); }
+    void willDestroyBrowser(VLDBrowserView& view) override
+    {
+        events.push_back("destroy");
+        if (onWillDestroy) {
+            onWillDestroy(view);
+        }
+    }
+    bool shouldAllowNavigation(VLDBrowserView&, const std::string& url, bool gesture, bool redirect) override
+    {
+        navigations.push_back({ url, gesture, redirect });
+        return allowNavigation(url);
+    }
+    bool openURLInNewTab(VLDBrowserView&, const std::string& url, bool foreground) override
+    {
+        newTabs.push_back({ url, foreground });
+        return handlesNewTabs;
+    }
+    void didRefuseCertificate(VLDBrowserView&, const std::string& url, std::int32_t code) override
+    {
+        refusedCertificates.emplace_back(url, code);
+    }
+    void didTerminateRenderProcess(VLDBrowserView&, std::int64_t status) override { terminations.push_back(status); }
+    bool shouldHandlePermissionRequest(VLDBrowserView&, std::shared_ptr<VLDPermissionRequest> request) override
+    {
+        permissionRequests.push_back(request);
+        return takesPermissionRequests;
+    }
+    void didWithdrawPermissionRequest(VLDBrowserView&, std::shared_ptr<VLDPermissionRequest> request) override
+    {
+        withdrawnRequests.push_back(request);
+    }
+    bool decideDestinationForDownload(
+        VLDBrowserView&, const VLDDownloadItem& item, std::shared_ptr<VLDDownloadCallback> callback) override
+    {
+        downloadQuestions.push_back(item);
+        if (decideDownload) {
+            return decideDownload(item, callback);
+        }
+        downloadCallbacks.push_back(callback);
+        return true;
+    }
+    void didUpdateDownload(VLDBrowserView&, const VLDDownloadItem& item) override { downloadUpdates.push_back(item); }
+    void didFindMatchCount(VLDBrowserView&, std::int32_t count, std::int32_t activeMatch, bool) override
+    {
+        findResults.push_back({ count, activeMatch });
+    }
+    bool shouldHandleKey(VLDBrowserView&, std::int32_t code, std::uint32_t modifiers) override
+    {
+        keys.push_back({ code, modifiers });
+        return handlesKey(code, modifiers);
+    }
+    bool shouldShowContextMenu(VLDBrowserView&, const VLDContextMenuInfo& info) override
+    {
+        contextMenus.push_back(info);
+        return keepsContextMenu;
+    }
+
+    bool hasEvent(const std::string& event) const;
+    bool sawAddress(const std::string& url) const;
+    bool isIdleAt(const std::string& url) const;
+};
+
+// Each test: its own profile, the engine started, a loopback server, and windows that go at the end.
+class BridgeTest : public ::testing::Test {
+public:
+    // Whether a test of this process started the engine already (some of its settings are read once).
+    static bool engineWasStartedInThisProcess();
+    static void noteEngineStarted();
+    // A port on 127.0.0.1 that nothing listens on: bound, then closed.
+    static int freeLoopbackPort();
+
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // A window of its own (800 x 600) holding the widget, shown.
+    GtkWidget* showInWindow(GtkWidget* child);
+    // A view with a delegate, placed in a window, once its browser exists.
+    std::shared_ptr<VLDBrowserView> openView(const std::string& url, const std::shared_ptr<RecordingDelegate>& delegate,
+        std::shared_ptr<VLDRequestContext> context = nullptr);
+    // Loads the URL and waits until the view has finished loading it.
+    bool loadAndWait(VLDBrowserView& view, RecordingDelegate& delegate, const std::string& url);
+
+    static WebKitWebView* webViewOf(VLDBrowserView& view);
+    // Runs a script in the page (as the user would, so it counts as a gesture) and gives its value as text.
+    std::string evaluate(VLDBrowserView& view, const std::string& script);
+    // Runs the body of an async function (it may return a promise) in the given script world, and gives its
+    // value as text.
+    std::string callInWorld(VLDBrowserView& view, const std::string& functionBody, const char* world);
+    // Waits until the script's value, as text, is `expected`.
+    bool waitForScriptValue(VLDBrowserView& view, const std::string& script, const std::string& expected);
+
+    // A real click (see RealInput) at the middle of the first element the selector finds.
+    bool clickElement(VLDBrowserView& view, const std::string& selector, unsigned button = 1,
+        std::initializer_list<unsigned> modifiers = {});
+
+    bool waitFor(const std::function<bool()>& condition, std::chrono::milliseconds timeout = 10s)
+    {
+        return runMainLoopUntil(condition, timeout);
+    }
+
+    std::unique_ptr<TestProfile> m_profile;
+    // GLib reads the user's folders (the download folder among them) from here.
+    std::unique_ptr<ScopedEnv> m_configHome;
+    std::unique_ptr<TestServer> m_server;
+    std::vector<GtkWidget*> m_windows;
+    std::vector<std::shared_ptr<VLDBrowserView>> m_views;
+};
+
+} // namespace velder::test

@@ -1,0 +1,196 @@
+#include "BridgeTest.h"
+
+#include <algorithm>
+
+namespace velder::test {
+
+namespace {
+
+std::string page(const std::string& title, const std::string& body = {})
+{
+    return "<!doctype html><html><head><title>" + title + "</title></head><body>" + body + "</body></html>";
+}
+
+const char* bigButton = "style='font-size:40px;width:400px;height:100px'";
+
+} // namespace
+
+class LifeSpanTest : public BridgeTest {
+protected:
+    // A popup host of its own in a window, as the window layer makes one for a popup.
+    std::shared_ptr<VLDBrowserView> popupHostInWindow(const std::shared_ptr<RecordingDelegate>& delegate)
+    {
+        auto host = VLDBrowserView::popupHostView();
+        host->setDelegate(delegate);
+        m_views.push_back(host);
+        showInWindow(host->widget());
+        return host;
+    }
+};
+
+// A page that opens a window on a click asks the owner for a host, and the popup loads there, in the
+// opener's session; without a gesture, or with the owner's refusal, no popup comes.
+TEST_F(LifeSpanTest, PopupsBecomeHostViewsTheOwnerSupplies)
+{
+    if (!RealInput::available()) {
+        GTEST_SKIP() << "needs XTest";
+    }
+    std::string opener = "<button id=open " + std::string(bigButton)
+        + " onclick=\"window.open(window.target, '_blank')\">open</button>"
+          "<script>window.target = '/refused'; window.open('/unasked', '_blank');</script>";
+    m_server->route("/opener", TestResponse::html(page("Opener", opener)));
+    m_server->route("/popup", TestResponse::html(page("Popup")));
+    m_server->route("/refused", TestResponse::html(page("Refused")));
+    m_server->route("/unasked", TestResponse::html(page("Unasked")));
+    auto delegate = std::make_shared<RecordingDelegate>();
+    auto popupDelegate = std::make_shared<RecordingDelegate>();
+    auto view = openView(m_server->url("/opener"), delegate);
+    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/opener")); }));
+
+    // The owner refuses the first: nothing is loaded.
+    ASSERT_TRUE(clickElement(*view, "#open"));
+    ASSERT_TRUE(waitFor([&] { return delegate->hasEvent("popup:" + m_server->url("/refused")); }));
+    runMainLoopFor(200ms);
+    EXPECT_FALSE(m_server->received("/refused"));
+    EXPECT_FALSE(delegate->hasEvent("popup:" + m_server->url("/unasked"))) << "no popup without a gesture";
+
+    std::shared_ptr<VLDBrowserView> host;
+    bool gesture = false;
+    delegate->popupHost = [&](const std::string&, bool isUserGesture) {
+        gesture = isUserGesture;
+        host = popupHostInWindow(popupDelegate);
+        return host;
+    };
+    evaluate(*view, "window.target = '/popup'; 1");
+    ASSERT_TRUE(clickElement(*view, "#open"));
+    ASSERT_TRUE(waitFor([&] { return host && popupDelegate->isIdleAt(m_server->url("/popup")); }));
+    ASSERT_TRUE(waitFor([&] { return host->pageTitle() == "Popup"; }));
+    EXPECT_TRUE(gesture);
+    EXPECT_TRUE(delegate->hasEvent("popup:" + m_server->url("/popup")));
+    EXPECT_TRUE(delegate->hasEvent("didCreatePopup:" + std::to_string(host->identifier())));
+    EXPECT_TRUE(host->hasBrowser());
+    EXPECT_TRUE(host->isPopupHost());
+    EXPECT_EQ(popupDelegate->events.front(), "created");
+    EXPECT_EQ(
+        webkit_web_view_get_network_session(webViewOf(*host)), webkit_web_view_get_network_session(webViewOf(*view)));
+    EXPECT_FALSE(m_server->received("/unasked"));
+}
+
+// requestClose runs the page's unload handlers; the owner hears the two steps in order, the browser goes,
+// and the page really ends.
+TEST_F(LifeSpanTest, CloseTearsDownAndEndsThePage)
+{
+    std::string body = "<script>addEventListener('pagehide', () => navigator.sendBeacon('/gone', 'x'));</script>";
+    m_server->route("/closing", TestResponse::html(page("Closing", body)));
+    m_server->route("/gone", TestResponse::html(""));
+    auto delegate = std::make_shared<RecordingDelegate>();
+    auto view = openView(m_server->url("/closing"), delegate);
+    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/closing")); }));
+    GtkWidget* engineView = GTK_WIDGET(webViewOf(*view));
+    g_object_add_weak_pointer(G_OBJECT(engineView), reinterpret_cast<gpointer*>(&engineView));
+    bool attachedDuringLastWord = false;
+    delegate->onWillDestroy = [&](VLDBrowserView& closing) { attachedDuringLastWord = closing.hasBrowser(); };
+
+    view->requestClose();
+    ASSERT_TRUE(waitFor([&] { return delegate->hasEvent("destroy"); }));
+    EXPECT_EQ(delegate->events, (std::vector<std::string> { "created", "tearDown", "destroy" }));
+    EXPECT_TRUE(attachedDuringLastWord);
+    EXPECT_FALSE(view->hasBrowser());
+    EXPECT_EQ(gtk_widget_get_first_child(view->widget()), nullptr);
+    EXPECT_TRUE(waitFor([&] { return engineView == nullptr; })) << "the engine's view outlived its close";
+    EXPECT_TRUE(waitFor([&] { return m_server->received("/gone"); })) << "the page's unload handler didn't run";
+
+    // Commands on a closed view do nothing.
+    view->loadURL(m_server->url("/closing"));
+    view->reload();
+    view->requestClose();
+    runMainLoopFor(100ms);
+    EXPECT_EQ(m_server->count("/closing"), 1);
+    EXPECT_EQ(std::count(delegate->events.begin(), delegate->events.end(), "destroy"), 1);
+}
+
+// A page that asks to stay when its tab closes keeps its tab; one that closes itself goes the same way as
+// a close the owner asked for.
+TEST_F(LifeSpanTest, APageThatRefusesToUnloadStays)
+{
+    if (!RealInput::available()) {
+        GTEST_SKIP() << "needs XTest";
+    }
+    std::string body = std::string("<button id=b ") + bigButton
+        + ">press</button><script>addEventListener('beforeunload', e => { e.preventDefault();"
+          " e.returnValue = 'stay'; });</script>";
+    m_server->route("/stay", TestResponse::html(page("Stay", body)));
+    auto delegate = std::make_shared<RecordingDelegate>();
+    auto view = openView(m_server->url("/stay"), delegate);
+    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/stay")); }));
+    // The engine asks about leaving only a page the user has touched.
+    ASSERT_TRUE(clickElement(*view, "#b"));
+    runMainLoopFor(200ms);
+
+    view->requestClose();
+    // Beyond the time a hung page is given.
+    runMainLoopFor(6s);
+    EXPECT_TRUE(view->hasBrowser());
+    EXPECT_FALSE(delegate->hasEvent("tearDown"));
+    EXPECT_FALSE(delegate->hasEvent("destroy"));
+    EXPECT_EQ(evaluate(*view, "document.title"), "Stay");
+}
+
+// A page too busy to answer a close is closed anyway (the engine gives up on it itself; the bridge's own
+// time limit is the last resort).
+TEST_F(LifeSpanTest, AHungPageIsClosedAnyway)
+{
+    if (!RealInput::available()) {
+        GTEST_SKIP() << "needs XTest";
+    }
+    // The engine asks a page about leaving only when it has an unload handler and the user has touched it;
+    // this one then never answers.
+    std::string body = std::string("<button id=b ") + bigButton
+        + " onclick='setTimeout(() => { for (;;) { } }, 100)'>hang</button>"
+          "<script>addEventListener('beforeunload', () => {});</script>";
+    m_server->route("/busy", TestResponse::html(page("Busy", body)));
+    auto delegate = std::make_shared<RecordingDelegate>();
+    auto view = openView(m_server->url("/busy"), delegate);
+    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/busy")); }));
+    ASSERT_TRUE(clickElement(*view, "#b"));
+    runMainLoopFor(300ms);
+
+    view->requestClose();
+    ASSERT_TRUE(waitFor([&] { return delegate->hasEvent("destroy"); }, 15s));
+    EXPECT_EQ(delegate->events, (std::vector<std::string> { "created", "tearDown", "destroy" }));
+    EXPECT_FALSE(view->hasBrowser());
+}
+
+TEST_F(LifeSpanTest, APopupThatClosesItselfIsTornDown)
+{
+    if (!RealInput::available()) {
+        GTEST_SKIP() << "needs XTest";
+    }
+    std::string opener
+        = std::string("<button id=open ") + bigButton + " onclick=\"window.open('/self-closing')\">open</button>";
+    m_server->route("/opener", TestResponse::html(page("Opener", opener)));
+    m_server->route(
+        "/self-closing", TestResponse::html(page("Closes", "<script>setTimeout(() => window.close(), 200);</script>")));
+    auto delegate = std::make_shared<RecordingDelegate>();
+    auto popupDelegate = std::make_shared<RecordingDelegate>();
+    std::shared_ptr<VLDBrowserView> host;
+    delegate->popupHost = [&](const std::string&, bool) {
+        host = popupHostInWindow(popupDelegate);
+        return host;
+    };
+    auto view = openView(m_server->url("/opener"), delegate);
+    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/opener")); }));
+    GtkWidget* engineView = nullptr;
+    popupDelegate->onCreated = [&](VLDBrowserView& popup) {
+        engineView = GTK_WIDGET(webViewOf(popup));
+        g_object_add_weak_pointer(G_OBJECT(engineView), reinterpret_cast<gpointer*>(&engineView));
+    };
+    ASSERT_TRUE(clickElement(*view, "#open"));
+    ASSERT_TRUE(waitFor([&] { return popupDelegate->hasEvent("destroy"); }));
+    EXPECT_EQ(popupDelegate->events, (std::vector<std::string> { "created", "tearDown", "destroy" }));
+    EXPECT_FALSE(host->hasBrowser());
+    EXPECT_TRUE(waitFor([&] { return engineView == nullptr; })) << "the popup's engine view outlived its close";
+    EXPECT_TRUE(view->hasBrowser());
+}
+
+} // namespace velder::test
