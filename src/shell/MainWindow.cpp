@@ -1073,10 +1073,12 @@ WindowSession MainWindow::sessionRecord() const
 Rect MainWindow::frame() const
 {
     Rect result = frameBeforeNonNormalState;
+    // The default size is the window's size in its normal state: GTK keeps it through a maximise or full
+    // screen, and updates it when the user resizes.
     int width = 0;
     int height = 0;
     gtk_window_get_default_size(m_window.get(), &width, &height);
-    if (gtk_widget_get_realized(GTK_WIDGET(m_window.get()))) {
+    if (width <= 0 || height <= 0) {
         width = gtk_widget_get_width(GTK_WIDGET(m_window.get()));
         height = gtk_widget_get_height(GTK_WIDGET(m_window.get()));
     }

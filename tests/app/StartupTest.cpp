@@ -16,10 +16,32 @@ using namespace std::chrono_literals;
 
 namespace {
 
-std::map<std::string, std::optional<std::string>> profileEnvironment(const TempDir& root)
+// A session bus of the test's own: a running Velder is found through the session bus, and tests running side
+// by side must not find each other's.
+class PrivateSessionBus {
+public:
+    PrivateSessionBus()
+        : m_daemon({ "/usr/bin/dbus-daemon", "--session", "--nofork", "--print-address=2" })
+    {
+        m_daemon.waitForLine("unix:", 10s);
+        for (const auto& line : m_daemon.errorLines()) {
+            if (line.starts_with("unix:")) {
+                m_address = line;
+            }
+        }
+    }
+    ~PrivateSessionBus() { m_daemon.signal(SIGTERM); }
+    const std::string& address() const { return m_address; }
+
+private:
+    ChildProcess m_daemon;
+    std::string m_address;
+};
+
+std::map<std::string, std::optional<std::string>> profileEnvironment(const TempDir& root, const PrivateSessionBus& bus)
 {
     return { { "XDG_DATA_HOME", root.file("data") }, { "XDG_CACHE_HOME", root.file("cache") },
-        { "HOME", root.file("home") } };
+        { "HOME", root.file("home") }, { "DBUS_SESSION_BUS_ADDRESS", bus.address() } };
 }
 
 VaultData savedVault(const TempDir& root)
@@ -34,7 +56,8 @@ VaultData savedVault(const TempDir& root)
 TEST(Startup, WithoutADisplayVelderSaysWhyAndExitsWithOne)
 {
     TempDir root;
-    auto environment = profileEnvironment(root);
+    PrivateSessionBus bus;
+    auto environment = profileEnvironment(root, bus);
     environment["DISPLAY"] = std::nullopt;
     environment["WAYLAND_DISPLAY"] = std::nullopt;
     ChildProcess velder({ VELDER_BINARY }, environment);
@@ -46,7 +69,8 @@ TEST(Startup, WithoutADisplayVelderSaysWhyAndExitsWithOne)
 TEST(Startup, SigtermQuitsInOrderAndTheSessionReachesTheDisk)
 {
     TempDir root;
-    ChildProcess velder({ VELDER_BINARY, "--remote-debugging-port=0", "about:blank" }, profileEnvironment(root));
+    PrivateSessionBus bus;
+    ChildProcess velder({ VELDER_BINARY, "--remote-debugging-port=0", "about:blank" }, profileEnvironment(root, bus));
     ASSERT_TRUE(velder.waitForLine("Velder: chrome geometry", 60s)) << velder.errorText();
     velder.signal(SIGTERM);
     EXPECT_EQ(velder.wait(30s), 0) << velder.errorText();
@@ -59,7 +83,9 @@ TEST(Startup, SigtermQuitsInOrderAndTheSessionReachesTheDisk)
 TEST(Startup, ASecondLaunchHandsItsAddressToTheRunningVelder)
 {
     TempDir root;
-    auto environment = profileEnvironment(root);
+    PrivateSessionBus bus;
+    ASSERT_FALSE(bus.address().empty());
+    auto environment = profileEnvironment(root, bus);
     ChildProcess first({ VELDER_BINARY, "about:blank" }, environment);
     ASSERT_TRUE(first.waitForLine("Velder: chrome geometry", 60s)) << first.errorText();
 

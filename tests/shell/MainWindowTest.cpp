@@ -72,7 +72,7 @@ TEST_F(MainWindowTest, ATabThatRefusesToUnloadStaysOpen)
     auto window = windowWith({ "https://a.example/", "https://b.example/" });
     fakeViewOf(*window->tabs[1])->refusesToUnload = true;
     window->closeTab(1);
-    spinFor(std::chrono::milliseconds(50));
+    runMainLoopFor(std::chrono::milliseconds(50));
     EXPECT_EQ(window->tabs.size(), 2u);
     EXPECT_TRUE(window->tabs[1]->view()->hasBrowser());
 }
@@ -183,6 +183,7 @@ TEST_F(MainWindowTest, PrivateWindowsLeaveNoTrace)
     EXPECT_TRUE(window->activeTab()->isPrivate());
     EXPECT_EQ(window->activeTab()->url, "about:blank");
     window->closeTab(0);
+    ASSERT_TRUE(spinUntil([&] { return window->tabs.size() == 1; }));
     EXPECT_TRUE(delegate->closedTabs().empty());
 
     // Settings open in the ordinary window.

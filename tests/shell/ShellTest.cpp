@@ -6,8 +6,6 @@
 #include "shell/BrowserTab.h"
 #include "shell/MainWindow.h"
 
-#include <thread>
-
 namespace velder::test {
 
 namespace {
@@ -26,31 +24,8 @@ public:
 
 } // namespace
 
-bool spinUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout)
-{
-    auto deadline = std::chrono::steady_clock::now() + timeout;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() >= deadline) {
-            return condition();
-        }
-        if (!g_main_context_iteration(nullptr, false)) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        }
-    }
-    return true;
-}
-
-void spinFor(std::chrono::milliseconds duration)
-{
-    auto deadline = std::chrono::steady_clock::now() + duration;
-    spinUntil([&] { return std::chrono::steady_clock::now() >= deadline; }, duration + std::chrono::seconds(1));
-}
-
 ShellTest::ShellTest(bool fakeViews)
 {
-    Vault::setShared(std::make_shared<Vault>(profile.root().file("vault.bin"), testDataKey()));
-    FaviconStore::setShared(std::make_shared<FaviconStore>(profile.root().file("favicons.bin"), testDataKey()));
-    HistoryStore::setShared(std::make_shared<HistoryStore>(profile.root().file("history.bin"), testDataKey()));
     FaviconFetcher::resetForTesting();
     WindowRegistry::shared().reset();
     AppDelegate::zoomLevel = 0;
@@ -67,7 +42,7 @@ ShellTest::~ShellTest()
 {
     WindowRegistry::shared().reset();
     delegate.reset();
-    spinFor(std::chrono::milliseconds(20)); // let posted work of closed windows run
+    runMainLoopFor(std::chrono::milliseconds(20)); // let posted work of closed windows run
 }
 
 std::shared_ptr<FakeBrowserView> ShellTest::fakeView(std::size_t index) const

@@ -1,12 +1,10 @@
 #pragma once
 
 #include "FakeBrowserView.h"
-#include "core/FaviconStore.h"
-#include "core/HistoryStore.h"
-#include "core/Vault.h"
 #include "shell/AppDelegate.h"
 #include "shell/WindowRegistry.h"
-#include "support/TestSupport.h"
+#include "support/MainLoop.h"
+#include "support/ScopedStores.h"
 
 #include <chrono>
 #include <functional>
@@ -14,14 +12,20 @@
 #include <gtk/gtk.h>
 #include <memory>
 
+namespace velder {
+class BrowserTab;
+}
+
 namespace velder::test {
 
 // Runs the main loop until the condition holds or the timeout passes; returns the condition.
-bool spinUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout = std::chrono::seconds(10));
-// Runs the main loop for a while.
-void spinFor(std::chrono::milliseconds duration);
+inline bool spinUntil(
+    const std::function<bool()>& condition, std::chrono::milliseconds timeout = std::chrono::seconds(10))
+{
+    return runMainLoopUntil(condition, timeout);
+}
 
-// A window-layer test: a profile of its own, fresh stores, an application delegate, and fake browser views
+// A window-layer test: a profile and stores of its own, an application delegate, and fake browser views
 // unless the test asks for the engine's.
 class ShellTest : public ::testing::Test {
 protected:
@@ -29,9 +33,9 @@ protected:
     ~ShellTest() override;
 
     std::shared_ptr<FakeBrowserView> fakeView(std::size_t index) const;
-    std::shared_ptr<FakeBrowserView> fakeViewOf(const class BrowserTab& tab) const;
+    std::shared_ptr<FakeBrowserView> fakeViewOf(const BrowserTab& tab) const;
 
-    TestProfile profile;
+    ScopedStores stores;
     std::unique_ptr<AppDelegate> delegate;
 };
 
