@@ -23,7 +23,6 @@ namespace {
 struct Running {
     std::vector<std::string> arguments;
     std::unique_ptr<AppDelegate> delegate;
-    std::shared_ptr<ShellPageHost> pageHost;
     bool launched = false;
 };
 
@@ -45,17 +44,7 @@ void applicationDidFinishLaunching(GtkApplication*)
 {
     Running& state = running();
     state.launched = true;
-    state.pageHost = std::make_shared<ShellPageHost>();
-    InternalPages::shared().setHost(state.pageHost);
-    bool registered = VLDInternalPages::registerSource([](const std::string& url, VLDBrowserView* view) {
-        return InternalPages::shared().response(url, view ? std::optional(view->identifier()) : std::nullopt);
-    });
-    if (!registered) {
-        log("Velder: could not register the velder:// scheme handler. Dashboard, About, Settings and History will "
-            "not load.");
-    }
-    LocationSettings::shared().setMirror(std::make_shared<EngineLocationMirror>());
-    LocationSettings::shared().onMirroredAllow = [] { PlatformLocation::noteAuthorizationForMirroredAllow(); };
+    Launcher::wireServices();
     log("Velder: no update channel \xe2\x80\x94 This build has no update channel.");
     state.delegate->applicationDidFinishLaunching(state.arguments);
 }
@@ -81,7 +70,6 @@ void onShutdown(GApplication*, gpointer)
         state.delegate->applicationWillTerminate();
     }
     WindowRegistry::shared().windows.clear();
-    InternalPages::shared().setHost({});
     state.delegate.reset();
 }
 
@@ -92,6 +80,26 @@ gboolean quitOnSignal(gpointer data)
 }
 
 } // namespace
+
+void Launcher::wireServices()
+{
+    static bool wired = false;
+    if (wired) {
+        return;
+    }
+    wired = true;
+    static auto pageHost = std::make_shared<ShellPageHost>();
+    InternalPages::shared().setHost(pageHost);
+    bool registered = VLDInternalPages::registerSource([](const std::string& url, VLDBrowserView* view) {
+        return InternalPages::shared().response(url, view ? std::optional(view->identifier()) : std::nullopt);
+    });
+    if (!registered) {
+        log("Velder: could not register the velder:// scheme handler. Dashboard, About, Settings and History will "
+            "not load.");
+    }
+    LocationSettings::shared().setMirror(std::make_shared<EngineLocationMirror>());
+    LocationSettings::shared().onMirroredAllow = [] { PlatformLocation::noteAuthorizationForMirroredAllow(); };
+}
 
 bool Launcher::forwardToRunningInstance(GtkApplication* application, const std::vector<std::string>& arguments)
 {

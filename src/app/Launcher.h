@@ -12,6 +12,9 @@ class Launcher {
 public:
     // Hands the arguments to a Velder already running (true), or returns false to run here.
     static bool forwardToRunningInstance(GtkApplication* application, const std::vector<std::string>& arguments);
+    // Connects the services the windows rely on: the velder:// pages with their host, and the location
+    // answers' mirror into the engine. Once per process; the engine must be started.
+    static void wireServices();
     // Runs until the last window closes or a quit, and returns the exit status.
     static int run(GtkApplication* application, const std::vector<std::string>& arguments);
 };

@@ -183,9 +183,10 @@ void VLDBrowserViewImpl::loadURL(const std::string& url)
     }
     WebKitWebView* webView = asWebView(m_webView.get());
     webkit_web_view_load_uri(webView, url.c_str());
-    // The engine's own spelling of the address, as its navigation decision will carry it.
+    // The engine's own spelling of the address, as its navigation decision will carry it. A view that has
+    // never loaded anything may not spell it yet.
     const char* pending = webkit_web_view_get_uri(webView);
-    expectOwnNavigation(pending ? pending : url);
+    expectOwnNavigation(pending && *pending ? pending : url);
 }
 
 void VLDBrowserViewImpl::goBack()

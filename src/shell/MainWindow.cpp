@@ -83,6 +83,8 @@ MainWindow::MainWindow(Rect frame, bool isPrivate, bool ownPlacement)
     , frameBeforeNonNormalState(frame)
     , m_isPrivate(isPrivate)
 {
+    // Velder's chrome is dark whatever the desktop's theme, and so are the parts GTK draws for it.
+    g_object_set(gtk_settings_get_default(), "gtk-application-prefer-dark-theme", TRUE, nullptr);
     m_window = GObjectPtr<GtkWindow>::retain(GTK_WINDOW(gtk_window_new()));
     g_object_set_data(G_OBJECT(m_window.get()), ownerKey, this);
     if (GApplication* application = g_application_get_default(); GTK_IS_APPLICATION(application)) {

@@ -1,5 +1,6 @@
 #include "ShellTest.h"
 
+#include "app/Launcher.h"
 #include "bridge/VLDEngineRuntime.h"
 #include "core/FaviconFetcher.h"
 #include "core/LocationSettings.h"
@@ -34,6 +35,7 @@ ShellTest::ShellTest(bool fakeViews)
         FakeBrowserView::install();
     } else {
         BrowserTab::setViewFactory(nullptr);
+        Launcher::wireServices();
     }
     delegate = std::make_unique<AppDelegate>();
 }

@@ -1,5 +1,7 @@
 #include "WidgetTestSupport.h"
 
+#include "support/MainLoop.h"
+
 #include "core/Notification.h"
 #include "core/NotificationCenter.h"
 #include "core/Theme.h"
@@ -9,6 +11,10 @@
 #include <cmath>
 #include <cstdlib>
 #include <ostream>
+
+// Last: X11's macros (Bool, None ...) would clash with the headers above.
+#include <X11/Xutil.h>
+#include <gdk/x11/gdkx.h>
 
 namespace velder::test {
 
@@ -206,7 +212,7 @@ void takePicture(GdkFrameClock*, gpointer data)
 
 } // namespace
 
-Rendering WidgetTest::render(GtkWidget* widget, Color background)
+Rendering renderWidget(GtkWidget* widget, Color background, const std::string& pngPath)
 {
     PendingRendering pending { widget, background };
     GdkFrameClock* clock = gtk_widget_get_frame_clock(widget);
@@ -216,7 +222,7 @@ Rendering WidgetTest::render(GtkWidget* widget, Color background)
     }
     gulong handler = g_signal_connect(clock, "after-paint", G_CALLBACK(takePicture), &pending);
     gtk_widget_queue_draw(widget);
-    bool painted = runUntil([&] { return pending.node != nullptr; });
+    bool painted = runMainLoopUntil([&] { return pending.node != nullptr; }, std::chrono::seconds(5));
     g_signal_handler_disconnect(clock, handler);
     if (!painted) {
         ADD_FAILURE() << "the window never painted";
@@ -236,11 +242,61 @@ Rendering WidgetTest::render(GtkWidget* widget, Color background)
     GdkTexture* texture = gsk_renderer_render_texture(renderer, node, &area);
     std::vector<unsigned char> bgra(static_cast<size_t>(width) * height * 4);
     gdk_texture_download(texture, bgra.data(), static_cast<size_t>(width) * 4);
+    if (!pngPath.empty()) {
+        EXPECT_TRUE(gdk_texture_save_to_png(texture, pngPath.c_str())) << "cannot write " << pngPath;
+    }
     g_object_unref(texture);
     gsk_render_node_unref(node);
     gsk_renderer_unrealize(renderer);
     g_object_unref(renderer);
     return Rendering(width, height, std::move(bgra));
+}
+
+Rendering screenshotWindow(GtkWindow* window, const std::string& pngPath)
+{
+    GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(window));
+    if (!surface || !GDK_IS_X11_SURFACE(surface)) {
+        ADD_FAILURE() << "screenshots need an X11 window";
+        return Rendering(0, 0, {});
+    }
+    // Let the window and the page paint what they have.
+    runMainLoopFor(std::chrono::milliseconds(300));
+    Display* display = gdk_x11_display_get_xdisplay(gdk_surface_get_display(surface));
+    XSync(display, False);
+    XWindowAttributes attributes {};
+    Window xid = gdk_x11_surface_get_xid(surface);
+    XGetWindowAttributes(display, xid, &attributes);
+    XImage* image = XGetImage(display, xid, 0, 0, attributes.width, attributes.height, AllPlanes, ZPixmap);
+    if (!image) {
+        ADD_FAILURE() << "the X server gave no image";
+        return Rendering(0, 0, {});
+    }
+    int width = attributes.width;
+    int height = attributes.height;
+    std::vector<unsigned char> bgra(static_cast<size_t>(width) * height * 4);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            unsigned long pixel = XGetPixel(image, x, y);
+            unsigned char* out = &bgra[(static_cast<size_t>(y) * width + x) * 4];
+            out[0] = pixel & 0xff;
+            out[1] = (pixel >> 8) & 0xff;
+            out[2] = (pixel >> 16) & 0xff;
+            out[3] = 0xff;
+        }
+    }
+    XDestroyImage(image);
+    GBytes* bytes = g_bytes_new(bgra.data(), bgra.size());
+    GdkTexture* texture
+        = gdk_memory_texture_new(width, height, GDK_MEMORY_B8G8R8A8, bytes, static_cast<gsize>(width) * 4);
+    g_bytes_unref(bytes);
+    EXPECT_TRUE(gdk_texture_save_to_png(texture, pngPath.c_str())) << "cannot write " << pngPath;
+    g_object_unref(texture);
+    return Rendering(width, height, std::move(bgra));
+}
+
+Rendering WidgetTest::render(GtkWidget* widget, Color background)
+{
+    return renderWidget(widget, background);
 }
 
 bool WidgetTest::runUntil(const std::function<bool()>& condition, int milliseconds)

@@ -46,6 +46,12 @@ private:
     std::vector<unsigned char> m_bgra;
 };
 
+// Renders the widget as the next frame paints it, over `background`; with a path, also writes it as a PNG.
+Rendering renderWidget(GtkWidget* widget, Color background, const std::string& pngPath = "");
+
+// What the X server shows of a window, pages included, written as a PNG (X11 displays only).
+Rendering screenshotWindow(GtkWindow* window, const std::string& pngPath);
+
 // Whether every component of the pixel lies within `tolerance` of the colour's (alpha ignored).
 bool near(const Pixel& pixel, Color color, int tolerance = 2);
 ::testing::AssertionResult pixelIs(const Pixel& pixel, Color color, int tolerance = 2);

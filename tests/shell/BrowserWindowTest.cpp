@@ -1,0 +1,226 @@
+// A real browser window: the engine's pages from a loopback server, real keys and clicks, and pictures of
+// the chrome that a person can look at (written to test-artifacts/ in the build folder).
+
+#include "ShellTest.h"
+#include "WidgetTestSupport.h"
+
+#include "bridge/VLDBrowserView.h"
+#include "core/Palette.h"
+#include "shell/AddressBar.h"
+#include "shell/BrowserTab.h"
+#include "shell/FindBar.h"
+#include "shell/MainWindow.h"
+#include "shell/TabStrip.h"
+#include "shell/UrlSuggestions.h"
+#include "support/RealInput.h"
+#include "support/TestServer.h"
+
+#include <filesystem>
+
+using namespace velder;
+using namespace velder::test;
+using namespace std::chrono_literals;
+
+namespace {
+
+std::string page(const std::string& title, const std::string& body = "", const std::string& head = "")
+{
+    return "<!doctype html><html><head><title>" + title + "</title>" + head
+        + "</head><body style=\"font: 16px sans-serif; margin: 40px; min-height: 600px\""
+          " onclick=\"document.title = 'Touched'\"><h1>"
+        + title + "</h1>" + body + "</body></html>";
+}
+
+class BrowserWindowTest : public ShellTest {
+protected:
+    BrowserWindowTest()
+        : ShellTest(false)
+    {
+    }
+
+    void SetUp() override
+    {
+        if (!RealInput::available()) {
+            GTEST_SKIP() << "needs an X11 display with XTest";
+        }
+    }
+
+    // A window at the top-left of the screen with a live, loaded tab for each path.
+    std::shared_ptr<MainWindow> openWindow(const std::vector<std::string>& paths)
+    {
+        auto window = MainWindow::create({ 0, 0, 1200, 780 }, false, true);
+        WindowRegistry::shared().windows.push_back(window);
+        for (const auto& path : paths) {
+            window->install(BrowserTab::create(server.url(path), false), false);
+        }
+        window->makeKeyAndOrderFront();
+        bool loaded = spinUntil(
+            [&] {
+                return std::all_of(window->tabs.begin(), window->tabs.end(),
+                    [](auto& tab) { return tab->view()->hasBrowser() && !tab->isLoading && !tab->title.empty(); });
+            },
+            20s);
+        EXPECT_TRUE(loaded) << "the pages never loaded";
+        return window;
+    }
+
+    // A real click in the active page, which the page answers by changing its title to "Touched". A window
+    // just raised may take the first click for itself, so the click is repeated until the page has it.
+    bool touchPage(MainWindow& window)
+    {
+        auto tab = window.activeTab();
+        for (int attempt = 0; attempt < 3; ++attempt) {
+            RealInput::click(tab->view()->widget(), 300, 300);
+            if (spinUntil([&] { return tab->title == "Touched"; }, 2s)) {
+                return true;
+            }
+        }
+        screenshotWindow(window.window(), artifact("touch-failed.png"));
+        return false;
+    }
+
+    static std::string artifact(const std::string& name)
+    {
+        std::filesystem::create_directories(VELDER_ARTIFACTS_DIR);
+        return std::string(VELDER_ARTIFACTS_DIR) + "/" + name;
+    }
+
+    TestServer server;
+};
+
+} // namespace
+
+TEST_F(BrowserWindowTest, PicturesOfTheChrome)
+{
+    server.route("/northern", TestResponse::html(page("Northern Lights", "<p>Tonight's forecast.</p>")));
+    server.route("/tides", TestResponse::html(page("Tide Tables")));
+    server.route("/mornings", TestResponse::html(page("Quiet Mornings")));
+    auto window = openWindow({ "/northern", "/tides", "/mornings" });
+    for (auto [path, title] : std::vector<std::pair<std::string, std::string>> {
+             { "/northern", "Northern Lights" }, { "/tides", "Tide Tables" }, { "/mornings", "Quiet Mornings" } }) {
+        HistoryStore::shared().record(server.url(path), title, now());
+    }
+    window->selectTab(1);
+    runMainLoopFor(300ms);
+
+    std::string threeTabs = artifact("window-with-three-tabs.png");
+    Rendering picture = screenshotWindow(window->window(), threeTabs);
+    EXPECT_GT(std::filesystem::file_size(threeTabs), 10000u);
+    EXPECT_EQ(window->strip().items().size(), 3u);
+    EXPECT_EQ(window->strip().items()[1].title, "Tide Tables");
+    // The title row is drawn in the border colour, the toolbar in the field colour.
+    EXPECT_TRUE(pixelIs(picture.at(picture.width() - 300, 20), Palette::borderColor()));
+    EXPECT_TRUE(pixelIs(picture.at(picture.width() - 30, 75), Palette::fieldColor()));
+    EXPECT_TRUE(pixelIs(picture.at(600, 400), Color::fromHex(0xFFFFFF))) << "the page shows";
+
+    // The suggestion list, opened by typing.
+    window->perform(BrowserAction::Kind::focusAddressBar);
+    runMainLoopFor(100ms);
+    for (unsigned key : { GDK_KEY_1, GDK_KEY_2, GDK_KEY_7 }) {
+        RealInput::pressKey(GTK_WIDGET(window->window()), key);
+    }
+    ASSERT_TRUE(spinUntil([&] { return window->suggestions().isShowing(); }, 5s))
+        << "typed: '" << window->addressBar().text() << "'";
+    EXPECT_EQ(window->suggestions().entries().size(), 3u);
+    std::string suggestions = artifact("suggestion-list.png");
+    screenshotWindow(window->window(), suggestions);
+    EXPECT_GT(std::filesystem::file_size(suggestions), 10000u);
+
+    // The settings page.
+    RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_Escape);
+    ASSERT_TRUE(spinUntil([&] { return !window->suggestions().isShowing(); }, 5s));
+    window->perform(BrowserAction::Kind::settings);
+    ASSERT_TRUE(
+        spinUntil([&] { return window->activeTab()->title == "Settings" && !window->activeTab()->isLoading; }, 10s));
+    runMainLoopFor(1500ms); // the page paints after it has loaded
+    std::string settings = artifact("settings-page.png");
+    screenshotWindow(window->window(), settings);
+    EXPECT_GT(std::filesystem::file_size(settings), 10000u);
+}
+
+TEST_F(BrowserWindowTest, ReturnOnASelectedSuggestionOpensThatRow)
+{
+    for (const char* path : { "/start", "/alpha", "/beta", "/gamma" }) {
+        server.route(path, TestResponse::html(page(std::string("Page ") + (path + 1))));
+    }
+    auto window = openWindow({ "/start" });
+    // Visits decide the rows' order: alpha, beta, gamma.
+    for (auto [path, visits] :
+        std::vector<std::pair<std::string, int>> { { "/alpha", 3 }, { "/beta", 2 }, { "/gamma", 1 } }) {
+        for (int i = 0; i < visits; ++i) {
+            HistoryStore::shared().record(server.url(path), "Page", now());
+        }
+    }
+    window->perform(BrowserAction::Kind::focusAddressBar);
+    runMainLoopFor(100ms);
+    for (unsigned key : { GDK_KEY_1, GDK_KEY_2, GDK_KEY_7, GDK_KEY_period, GDK_KEY_0 }) {
+        RealInput::pressKey(GTK_WIDGET(window->window()), key);
+    }
+    // The tab's own first load isn't a visit: three rows.
+    ASSERT_TRUE(spinUntil([&] { return window->suggestions().entries().size() == 3; }, 5s));
+    EXPECT_EQ(window->suggestions().entries()[0].url, server.url("/alpha"));
+    RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_Down);
+    RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_Down);
+    ASSERT_TRUE(spinUntil([&] { return window->suggestions().selectedIndex() == 1; }, 5s));
+    EXPECT_EQ(window->addressBar().text(), server.url("/beta"));
+    RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_Return);
+
+    ASSERT_TRUE(spinUntil([&] { return window->activeTab()->url == server.url("/beta"); }, 10s));
+    EXPECT_TRUE(server.received("/beta"));
+    EXPECT_FALSE(server.received("/alpha"));
+    EXPECT_FALSE(window->suggestions().isShowing());
+}
+
+TEST_F(BrowserWindowTest, CtrlWInAPageClosesTheTab)
+{
+    server.route("/one", TestResponse::html(page("One")));
+    server.route("/two", TestResponse::html(page("Two", "<input id=field autofocus>")));
+    auto window = openWindow({ "/one", "/two" });
+    window->selectTab(1);
+    ASSERT_TRUE(touchPage(*window));
+    RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_w, { GDK_KEY_Control_L });
+    ASSERT_TRUE(spinUntil([&] { return window->tabs.size() == 1; }, 10s));
+    EXPECT_EQ(window->tabs[0]->url, server.url("/one"));
+    EXPECT_EQ(delegate->closedTabs().front(), server.url("/two"));
+}
+
+TEST_F(BrowserWindowTest, EscapeWithTheFindBarOpenClosesTheBarNotTheLoad)
+{
+    server.route("/page", TestResponse::html(page("Page", "<p>findable words</p>")));
+    TestResponse slow = TestResponse::html(page("Slow Page"));
+    slow.delayMilliseconds = 1500;
+    server.route("/slow", slow);
+    auto window = openWindow({ "/page" });
+    window->perform(BrowserAction::Kind::find);
+    ASSERT_TRUE(window->findBarIsShowing());
+
+    window->activeTab()->view()->loadURL(server.url("/slow"));
+    ASSERT_TRUE(spinUntil([&] { return window->activeTab()->isLoading; }, 5s));
+    window->activeTab()->view()->setBrowserFocus(true);
+    runMainLoopFor(100ms);
+    RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_Escape);
+    ASSERT_TRUE(spinUntil([&] { return !window->findBarIsShowing(); }, 5s));
+    EXPECT_TRUE(window->activeTab()->isLoading) << "the load goes on";
+    ASSERT_TRUE(spinUntil([&] { return window->activeTab()->title == "Slow Page"; }, 10s));
+    EXPECT_EQ(window->activeTab()->url, server.url("/slow"));
+}
+
+TEST_F(BrowserWindowTest, ARefusedBeforeUnloadKeepsTheTab)
+{
+    server.route("/plain", TestResponse::html(page("Plain")));
+    server.route("/stay",
+        TestResponse::html(page("Stay", "",
+            "<script>addEventListener('beforeunload', e => { e.preventDefault(); "
+            "e.returnValue = ''; });</script>")));
+    auto window = openWindow({ "/plain", "/stay" });
+    window->selectTab(1);
+    ASSERT_TRUE(touchPage(*window)); // a page may only hold on to a visitor it has met
+    window->closeTab(1);
+    runMainLoopFor(1500ms);
+    ASSERT_EQ(window->tabs.size(), 2u);
+    EXPECT_TRUE(window->tabs[1]->view()->hasBrowser());
+
+    window->closeTab(0); // a page without the handler closes
+    ASSERT_TRUE(spinUntil([&] { return window->tabs.size() == 1; }, 10s));
+    EXPECT_EQ(window->tabs[0]->url, server.url("/stay"));
+}
