@@ -1,6 +1,7 @@
 #include "bridge/VLDBrowserViewImpl.h"
 
 #include "bridge/VLDClient.h"
+#include "bridge/VLDEngineRuntime.h"
 #include "bridge/VLDHostWidget.h"
 #include "bridge/VLDIconFetch.h"
 #include "bridge/VLDKeyCodes.h"
@@ -125,6 +126,10 @@ void VLDBrowserViewImpl::createBrowser()
     webkit_settings_set_enable_developer_extras(settings, TRUE);
     // Popups only from a user's gesture.
     webkit_settings_set_javascript_can_open_windows_automatically(settings, FALSE);
+    if (VLDEngineRuntime::softwareRendering()) {
+        // Composited in software, each page would carry a rasterizer of its own: drawn on the CPU instead.
+        webkit_settings_set_hardware_acceleration_policy(settings, WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
+    }
     GObject* contentManager = VLDPageScripts::newContentManager();
     GtkWidget* webView
         = GTK_WIDGET(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", m_context->networkSession(), "web-context",

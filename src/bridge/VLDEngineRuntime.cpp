@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <gtk/gtk.h>
 #include <thread>
 #include <unistd.h>
@@ -116,10 +117,44 @@ std::optional<int> VLDEngineRuntime::remoteDebuggingPort(const std::vector<std::
     return port;
 }
 
+namespace {
+
+bool software = false;
+
+bool hasGpuRenderNode()
+{
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator("/dev/dri", error)) {
+        if (entry.path().filename().string().starts_with("renderD")) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+bool VLDEngineRuntime::chooseSoftwareRendering(bool hasRenderNode, const char* gskRenderer)
+{
+    if (gskRenderer && *gskRenderer) {
+        return std::string_view(gskRenderer) == "cairo";
+    }
+    return !hasRenderNode;
+}
+
+bool VLDEngineRuntime::softwareRendering()
+{
+    return software;
+}
+
 bool VLDEngineRuntime::start(const std::vector<std::string>& arguments, std::string* error)
 {
     if (started) {
         return true;
+    }
+    software = chooseSoftwareRendering(hasGpuRenderNode(), g_getenv("GSK_RENDERER"));
+    if (software && !g_getenv("GSK_RENDERER")) {
+        g_setenv("GSK_RENDERER", "cairo", TRUE); // read by GTK when it opens the display
     }
     if (!gtk_init_check()) {
         if (error) {

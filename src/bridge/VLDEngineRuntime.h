@@ -22,6 +22,12 @@ public:
     static void shutdown();
     static bool isStarted();
 
+    // Whether pages and chrome are drawn on the CPU: on a machine without a GPU render node, where GL would be
+    // Mesa's software rasterizer, slower and heavier than drawing on the CPU. Decided once, at start.
+    static bool softwareRendering();
+    // The decision itself: software without a render node, unless GSK_RENDERER names a renderer.
+    static bool chooseSoftwareRendering(bool hasRenderNode, const char* gskRenderer);
+
     // "2.50.6": WebKit's run-time version.
     static std::string engineVersion();
     // GTK's run-time version.

@@ -1,5 +1,6 @@
 #include "BridgeTest.h"
 
+#include "bridge/VLDEngineRuntime.h"
 #include "bridge/VLDMainThread.h"
 #include "core/AppInfo.h"
 #include "core/Log.h"
@@ -189,3 +190,27 @@ TEST(EngineRuntimeTest, RemoteInspectorListensOnLoopback)
 }
 
 } // namespace velder::test
+
+// Without a GPU, GL means Mesa's software rasterizer, slower and heavier than drawing on the CPU; a renderer
+// named in GSK_RENDERER is the user's choice either way.
+TEST(EngineRuntimeRendering, SoftwareWithoutARenderNodeUnlessTheUserChose)
+{
+    struct Row {
+        bool hasRenderNode;
+        const char* gskRenderer;
+        bool software;
+    };
+    std::vector<Row> rows = {
+        { false, nullptr, true },
+        { true, nullptr, false },
+        { false, "", true },
+        { false, "ngl", false },
+        { false, "gl", false },
+        { true, "cairo", true },
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.hasRenderNode ? "render node, " : "no render node, ")
+            + (row.gskRenderer ? row.gskRenderer : "(unset)"));
+        EXPECT_EQ(velder::VLDEngineRuntime::chooseSoftwareRendering(row.hasRenderNode, row.gskRenderer), row.software);
+    }
+}
