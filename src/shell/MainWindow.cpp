@@ -19,6 +19,7 @@
 #include "shell/FindBar.h"
 #include "shell/InternalAddressGuard.h"
 #include "shell/KeyEvents.h"
+#include "shell/MenuAnchor.h"
 #include "shell/MenuBar.h"
 #include "shell/TabStrip.h"
 #include "shell/Themed.h"
@@ -138,6 +139,9 @@ void MainWindow::buildChrome()
     gtk_overlay_set_child(GTK_OVERLAY(m_overlay), m_container);
     gtk_widget_set_vexpand(m_overlay, true);
     gtk_box_append(GTK_BOX(content), m_overlay);
+
+    m_pageMenuAnchor = MenuAnchor::create();
+    gtk_overlay_add_overlay(GTK_OVERLAY(m_overlay), m_pageMenuAnchor);
 
     m_slate = std::make_unique<BlankSlate>();
     gtk_widget_set_visible(m_slate->widget(), false);

@@ -102,6 +102,8 @@ public:
     TabStrip& strip() const { return *m_strip; }
     GtkWidget* container() const { return m_container; }
     bool slateIsShowing() const;
+    // The window's actions ("win.newTab" ...), which the menus name.
+    GActionGroup* actions() const { return G_ACTION_GROUP(m_actions); }
 
 private:
     MainWindow(Rect frame, bool isPrivate, bool hasOwnPlacement);
@@ -123,7 +125,7 @@ private:
     GMenuModel* wordmarkMenu();
     void updateActionStates();
     void copyToClipboard(const std::string& text);
-    void popUpMenu(GMenuModel* menu, GtkWidget* parent, std::optional<GdkRectangle> at);
+
     void trackPlacement();
 
     static gboolean onCloseRequest(GtkWindow*, gpointer self);
@@ -150,6 +152,7 @@ private:
     std::unique_ptr<AddressBar> m_addressBar;
     GtkWidget* m_overlay = nullptr;
     GtkWidget* m_container = nullptr;
+    GtkWidget* m_pageMenuAnchor = nullptr; // over the page, for the page's menu
     std::unique_ptr<BlankSlate> m_slate;
     std::unique_ptr<UrlSuggestions> m_suggestions;
     std::unique_ptr<FindBar> m_findBar;

@@ -9,6 +9,7 @@
 #include "shell/BrowserTab.h"
 #include "shell/InternalAddressGuard.h"
 #include "shell/MenuBar.h"
+#include "shell/PopupMenu.h"
 
 namespace velder {
 
@@ -176,11 +177,14 @@ void MainWindow::installActions()
             }),
             this);
     }
-    // Items shown but not available right now point here.
-    GSimpleAction* unavailable = g_simple_action_new("unavailable", nullptr);
-    g_simple_action_set_enabled(unavailable, false);
-    g_action_map_add_action(G_ACTION_MAP(group), G_ACTION(unavailable));
-    g_object_unref(unavailable);
+    // Items shown but not available point here: the tab menu's when they don't apply, and the updater's,
+    // since this build has no update channel.
+    for (const char* name : { "unavailable", "checkForUpdates" }) {
+        GSimpleAction* off = g_simple_action_new(name, nullptr);
+        g_simple_action_set_enabled(off, false);
+        g_action_map_add_action(G_ACTION_MAP(group), G_ACTION(off));
+        g_object_unref(off);
+    }
 
     gtk_widget_insert_action_group(GTK_WIDGET(m_window.get()), "win", G_ACTION_GROUP(m_actions));
     g_object_unref(m_actions); // the window holds it
@@ -212,7 +216,7 @@ GMenuModel* MainWindow::wordmarkMenu()
     g_object_unref(pages);
     GMenu* updates = g_menu_new();
     // This build has no update feed, so the item says so and stays disabled.
-    g_menu_append(updates, "This build has no update channel.", "win.unavailable");
+    g_menu_append(updates, "This build has no update channel.", "win.checkForUpdates");
     g_menu_append_section(menu, nullptr, G_MENU_MODEL(updates));
     g_object_unref(updates);
     GMenu* quit = g_menu_new();
@@ -304,44 +308,27 @@ bool MainWindow::showPageContextMenu(const VLDContextMenuInfo& info)
         +[](gpointer data) {
             auto* pending = static_cast<Pending*>(data);
             if (auto self = pending->window.lock()) {
-                std::optional<GdkRectangle> at;
-                GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(self->window()));
-                GdkSeat* seat = gdk_display_get_default_seat(gdk_display_get_default());
                 double x = 0;
                 double y = 0;
-                if (surface && seat && gdk_seat_get_pointer(seat)
-                    && gdk_surface_get_device_position(surface, gdk_seat_get_pointer(seat), &x, &y, nullptr)) {
-                    graphene_point_t point = GRAPHENE_POINT_INIT(static_cast<float>(x), static_cast<float>(y));
-                    graphene_point_t inContainer;
-                    if (gtk_widget_compute_point(GTK_WIDGET(self->window()), self->container(), &point, &inContainer)) {
-                        at = GdkRectangle { static_cast<int>(inContainer.x), static_cast<int>(inContainer.y), 1, 1 };
-                    }
+                GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(self->window()));
+                GdkSeat* seat = gdk_display_get_default_seat(gdk_display_get_default());
+                if (surface && seat && gdk_seat_get_pointer(seat)) {
+                    gdk_surface_get_device_position(surface, gdk_seat_get_pointer(seat), &x, &y, nullptr);
                 }
-                self->popUpMenu(pending->menu, self->container(), at);
+                double surfaceX = 0;
+                double surfaceY = 0;
+                gtk_native_get_surface_transform(GTK_NATIVE(self->window()), &surfaceX, &surfaceY);
+                graphene_point_t point
+                    = GRAPHENE_POINT_INIT(static_cast<float>(x - surfaceX), static_cast<float>(y - surfaceY));
+                graphene_point_t inAnchor = point;
+                (void)!gtk_widget_compute_point(GTK_WIDGET(self->window()), self->m_pageMenuAnchor, &point, &inAnchor);
+                PopupMenu::popup(self->m_pageMenuAnchor, pending->menu, inAnchor.x, inAnchor.y);
             }
             g_object_unref(pending->menu);
             delete pending;
         },
         pending);
     return false;
-}
-
-void MainWindow::popUpMenu(GMenuModel* menu, GtkWidget* parent, std::optional<GdkRectangle> at)
-{
-    GtkWidget* popover = gtk_popover_menu_new_from_model(menu);
-    gtk_widget_set_parent(popover, parent);
-    gtk_popover_set_has_arrow(GTK_POPOVER(popover), false);
-    gtk_widget_set_halign(popover, GTK_ALIGN_START);
-    if (at) {
-        gtk_popover_set_pointing_to(GTK_POPOVER(popover), &*at);
-    }
-    g_signal_connect(popover, "closed", G_CALLBACK(+[](GtkPopover* popover, gpointer) {
-        // Unparent once the popover's own handling is done.
-        g_idle_add_once(
-            +[](gpointer data) { gtk_widget_unparent(GTK_WIDGET(data)); }, popover);
-    }),
-        nullptr);
-    gtk_popover_popup(GTK_POPOVER(popover));
 }
 
 void MainWindow::copyToClipboard(const std::string& text)

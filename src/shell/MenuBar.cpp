@@ -109,7 +109,8 @@ GMenuModel* mainMenu()
     GMenu* velder = g_menu_new();
     GMenu* group = section(velder);
     append(group, plain("About Velder", "win.about"));
-    append(group, plain("Check for Updates\xe2\x80\xa6", "win.checkForUpdates"));
+    // This build has no update feed: the item says so, and stays off.
+    append(group, plain("This build has no update channel.", "win.checkForUpdates"));
     group = section(velder);
     append(group, item("Settings\xe2\x80\xa6", Kind::settings));
     group = section(velder);

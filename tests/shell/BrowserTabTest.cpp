@@ -276,3 +276,22 @@ TEST_F(BrowserTabTest, PrivateTabsAskEveryOriginAndStoreNothing)
     EXPECT_TRUE(tab->isLocationLit());
     LocationSettings::shared().setMirror(nullptr);
 }
+
+TEST_F(BrowserTabTest, OrdinaryTabsHandTheirIconsToTheFetcherAndPrivateOnesDont)
+{
+    for (bool isPrivate : { false, true }) {
+        SCOPED_TRACE(isPrivate ? "private" : "ordinary");
+        auto tab = BrowserTab::create("https://" + std::string(isPrivate ? "p" : "o") + ".example/", isPrivate);
+        auto view = fakeViewOf(*tab);
+        view->delegate()->didChangeFaviconURLs(
+            *view, { "data:image/png;base64,AAAA", "https://cdn.example/icon.png", "https://cdn.example/b.ico" });
+        std::vector<std::string> fetches;
+        std::copy_if(view->commands.begin(), view->commands.end(), std::back_inserter(fetches),
+            [](const std::string& command) { return command.starts_with("fetchIcon"); });
+        if (isPrivate) {
+            EXPECT_TRUE(fetches.empty());
+        } else {
+            EXPECT_EQ(fetches, std::vector<std::string> { "fetchIcon https://cdn.example/icon.png" });
+        }
+    }
+}

@@ -1,0 +1,139 @@
+// The main menu: its order, titles and shown keys, and the window actions its items name.
+
+#include "ShellTest.h"
+
+#include "shell/BrowserTab.h"
+#include "shell/MainWindow.h"
+#include "shell/MenuBar.h"
+
+using namespace velder;
+using namespace velder::test;
+
+namespace {
+
+struct MenuItem {
+    std::string label;
+    std::string action;
+    std::string accel;
+};
+
+// The items of a menu model in order, sections flattened; with `intoSubmenus`, submenus' items instead of them.
+std::vector<MenuItem> itemsOf(GMenuModel* model, bool intoSubmenus = false)
+{
+    std::vector<MenuItem> items;
+    for (int i = 0; i < g_menu_model_get_n_items(model); ++i) {
+        GMenuModel* inner = g_menu_model_get_item_link(model, i, G_MENU_LINK_SECTION);
+        if (!inner && intoSubmenus) {
+            inner = g_menu_model_get_item_link(model, i, G_MENU_LINK_SUBMENU);
+        }
+        if (inner) {
+            auto innerItems = itemsOf(inner, intoSubmenus);
+            items.insert(items.end(), innerItems.begin(), innerItems.end());
+            g_object_unref(inner);
+            continue;
+        }
+        MenuItem item;
+        char* text = nullptr;
+        if (g_menu_model_get_item_attribute(model, i, G_MENU_ATTRIBUTE_LABEL, "s", &text)) {
+            item.label = text;
+            g_free(text);
+        }
+        if (g_menu_model_get_item_attribute(model, i, G_MENU_ATTRIBUTE_ACTION, "s", &text)) {
+            item.action = text;
+            g_free(text);
+        }
+        if (g_menu_model_get_item_attribute(model, i, "accel", "s", &text)) {
+            item.accel = text;
+            g_free(text);
+        }
+        items.push_back(item);
+    }
+    return items;
+}
+
+GMenuModel* submenu(GMenuModel* bar, int index)
+{
+    return g_menu_model_get_item_link(bar, index, G_MENU_LINK_SUBMENU);
+}
+
+class MenuBarTest : public ShellTest { };
+
+} // namespace
+
+TEST_F(MenuBarTest, TheMenusInTheirOrderWithOneKeyEach)
+{
+    GMenuModel* bar = MenuBar::mainMenu();
+    std::vector<std::string> titles;
+    for (const auto& item : itemsOf(bar)) {
+        titles.push_back(item.label);
+    }
+    EXPECT_EQ(titles, (std::vector<std::string> { "Velder", "File", "Edit", "View", "History", "Window", "Help" }));
+
+    struct Row {
+        int menu;
+        std::string label, action, accel;
+    };
+    std::vector<Row> rows = {
+        { 0, "Settings\xe2\x80\xa6", "win.settings", "<Control>comma" },
+        { 0, "Quit Velder", "win.quit", "<Control>q" },
+        { 1, "New Tab", "win.newTab", "<Control>t" },
+        { 1, "Close Window", "win.closeWindow", "<Control><Shift>w" },
+        { 1, "Reopen Closed Tab", "win.reopenClosedTab", "<Control><Shift>t" },
+        { 3, "Zoom In", "win.zoomIn", "<Control>plus" },
+        { 3, "Stop", "win.stop", "<Control>period" },
+        { 3, "Enter Full Screen", "win.toggleFullScreen", "F11" },
+        { 4, "Back", "win.back", "<Control>bracketleft" },
+        { 4, "Show All History", "win.history", "<Control>y" },
+        { 5, "Select Next Tab", "win.nextTab", "<Control>Tab" },
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        GMenuModel* menu = submenu(bar, row.menu);
+        auto items = itemsOf(menu, true);
+        auto found = std::find_if(items.begin(), items.end(), [&](auto& item) { return item.label == row.label; });
+        ASSERT_NE(found, items.end());
+        EXPECT_EQ(found->action, row.action);
+        EXPECT_EQ(found->accel, row.accel) << "the menu shows the primary key only";
+        g_object_unref(menu);
+    }
+    g_object_unref(bar);
+}
+
+TEST_F(MenuBarTest, ItemsNameTheWindowsActionsAndFollowItsState)
+{
+    auto window = MainWindow::create(MainWindow::defaultFrame(), false, false);
+    WindowRegistry::shared().windows.push_back(window);
+    window->install(BrowserTab::create("https://a.example/", false), true);
+    GActionGroup* actions = window->actions();
+
+    GMenuModel* bar = MenuBar::mainMenu();
+    for (int menu = 0; menu < g_menu_model_get_n_items(bar); ++menu) {
+        GMenuModel* model = submenu(bar, menu);
+        for (const auto& item : itemsOf(model, true)) {
+            SCOPED_TRACE(item.label);
+            ASSERT_TRUE(item.action.starts_with("win.")) << item.action;
+            EXPECT_TRUE(g_action_group_has_action(actions, item.action.c_str() + 4));
+        }
+        g_object_unref(model);
+    }
+    g_object_unref(bar);
+
+    // Items are enabled as the window's state allows.
+    EXPECT_FALSE(g_action_group_get_action_enabled(actions, "back"));
+    EXPECT_FALSE(g_action_group_get_action_enabled(actions, "stop"));
+    EXPECT_FALSE(g_action_group_get_action_enabled(actions, "reopenClosedTab"));
+    EXPECT_FALSE(g_action_group_get_action_enabled(actions, "checkForUpdates")) << "this build has no update channel";
+    EXPECT_TRUE(g_action_group_get_action_enabled(actions, "newTab"));
+    fakeViewOf(*window->tabs[0])->reportLoading(true);
+    EXPECT_TRUE(g_action_group_get_action_enabled(actions, "stop"));
+
+    // A menu command runs through the window like its key; a disabled one doesn't run.
+    g_action_group_activate_action(actions, "stop", nullptr);
+    EXPECT_EQ(fakeViewOf(*window->tabs[0])->commands.back(), "stopLoading");
+    g_action_group_activate_action(actions, "newTab", nullptr);
+    ASSERT_EQ(window->tabs.size(), 2u);
+    EXPECT_FALSE(g_action_group_get_action_enabled(actions, "stop"));
+    g_action_group_activate_action(actions, "stop", nullptr);
+    auto& commands = fakeViewOf(*window->tabs[1])->commands;
+    EXPECT_EQ(std::count(commands.begin(), commands.end(), "stopLoading"), 0);
+}
