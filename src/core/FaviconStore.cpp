@@ -1,6 +1,7 @@
 #include "core/FaviconStore.h"
 
 #include "core/AppInfo.h"
+#include "core/SharedInstance.h"
 
 #include <algorithm>
 #include <glib.h>
@@ -10,8 +11,7 @@ namespace velder {
 
 namespace {
 
-std::mutex sharedMutex;
-std::shared_ptr<FaviconStore> sharedStore; // guarded by sharedMutex
+using Shared = SharedInstance<FaviconStore, AppInfo::faviconFile>;
 
 std::string base64(std::span<const std::uint8_t> bytes)
 {
@@ -33,17 +33,12 @@ bool startsWith(std::span<const std::uint8_t> bytes, std::initializer_list<std::
 
 FaviconStore& FaviconStore::shared()
 {
-    std::lock_guard lock(sharedMutex);
-    if (!sharedStore) {
-        sharedStore = std::make_shared<FaviconStore>(AppInfo::faviconFile());
-    }
-    return *sharedStore;
+    return Shared::get();
 }
 
 void FaviconStore::setShared(std::shared_ptr<FaviconStore> store)
 {
-    std::lock_guard lock(sharedMutex);
-    sharedStore = std::move(store);
+    Shared::set(std::move(store));
 }
 
 FaviconStore::FaviconStore(std::string path, std::optional<SymmetricKey> key, std::function<Date()> clock)

@@ -2,6 +2,7 @@
 
 #include "core/AppInfo.h"
 #include "core/FaviconStore.h"
+#include "core/SharedInstance.h"
 #include "core/Text.h"
 #include "core/Vault.h"
 
@@ -12,8 +13,7 @@ namespace velder {
 
 namespace {
 
-std::mutex sharedMutex;
-std::shared_ptr<HistoryStore> sharedStore; // guarded by sharedMutex
+using Shared = SharedInstance<HistoryStore, AppInfo::historyFile>;
 
 std::int64_t maxHistorySetting()
 {
@@ -24,17 +24,12 @@ std::int64_t maxHistorySetting()
 
 HistoryStore& HistoryStore::shared()
 {
-    std::lock_guard lock(sharedMutex);
-    if (!sharedStore) {
-        sharedStore = std::make_shared<HistoryStore>(AppInfo::historyFile());
-    }
-    return *sharedStore;
+    return Shared::get();
 }
 
 void HistoryStore::setShared(std::shared_ptr<HistoryStore> store)
 {
-    std::lock_guard lock(sharedMutex);
-    sharedStore = std::move(store);
+    Shared::set(std::move(store));
 }
 
 HistoryStore::HistoryStore(std::string path, std::optional<SymmetricKey> key)

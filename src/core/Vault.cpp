@@ -2,6 +2,7 @@
 
 #include "core/AppInfo.h"
 #include "core/NotificationCenter.h"
+#include "core/SharedInstance.h"
 
 #include <algorithm>
 
@@ -9,8 +10,7 @@ namespace velder {
 
 namespace {
 
-std::mutex sharedMutex;
-std::shared_ptr<Vault> sharedVault; // guarded by sharedMutex
+using Shared = SharedInstance<Vault, AppInfo::vaultFile>;
 
 void clampMaxHistory(VaultData& data)
 {
@@ -21,17 +21,12 @@ void clampMaxHistory(VaultData& data)
 
 Vault& Vault::shared()
 {
-    std::lock_guard lock(sharedMutex);
-    if (!sharedVault) {
-        sharedVault = std::make_shared<Vault>(AppInfo::vaultFile());
-    }
-    return *sharedVault;
+    return Shared::get();
 }
 
 void Vault::setShared(std::shared_ptr<Vault> vault)
 {
-    std::lock_guard lock(sharedMutex);
-    sharedVault = std::move(vault);
+    Shared::set(std::move(vault));
 }
 
 Vault::Vault(std::string path, std::optional<SymmetricKey> key)

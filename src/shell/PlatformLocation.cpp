@@ -51,21 +51,14 @@ void onSimpleReady(GObject*, GAsyncResult* result, gpointer)
 
 void PlatformLocation::ensureAuthorization()
 {
-    switch (currentStatus) {
-    case undetermined:
-        log("Velder: asking GeoClue for location authorization.");
-        if (!asking) {
-            asking = true;
-            gclue_simple_new(AppInfo::applicationId, GCLUE_ACCURACY_LEVEL_EXACT, nullptr, onSimpleReady, nullptr);
-        }
-        break;
-    case unavailable:
-    case denied:
-        log(deniedMessage);
-        break;
-    case granted:
-        log(grantedMessage);
-        break;
+    if (currentStatus != undetermined) {
+        log(currentStatus == granted ? grantedMessage : deniedMessage);
+        return;
+    }
+    log("Velder: asking GeoClue for location authorization.");
+    if (!asking) {
+        asking = true;
+        gclue_simple_new(AppInfo::applicationId, GCLUE_ACCURACY_LEVEL_EXACT, nullptr, onSimpleReady, nullptr);
     }
 }
 
@@ -76,15 +69,15 @@ void PlatformLocation::noteAuthorizationForMirroredAllow()
     }
     notedMirroredAllow = true;
     switch (currentStatus) {
-    case unavailable:
-    case denied:
-        log(deniedMessage);
+    case undetermined:
+        log(undeterminedMessage);
         break;
     case granted:
         log(grantedMessage);
         break;
-    case undetermined:
-        log(undeterminedMessage);
+    case unavailable:
+    case denied:
+        log(deniedMessage);
         break;
     }
 }
