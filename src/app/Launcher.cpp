@@ -6,11 +6,11 @@
 #include "core/InternalPages.h"
 #include "core/LocationSettings.h"
 #include "core/Log.h"
-#include "shell/AppDelegate.h"
-#include "shell/EngineLocationMirror.h"
-#include "shell/MainWindow.h"
-#include "shell/PlatformLocation.h"
-#include "shell/WindowRegistry.h"
+#include "shell/desktop/PlatformLocation.h"
+#include "shell/tab/EngineLocationMirror.h"
+#include "shell/window/AppDelegate.h"
+#include "shell/window/MainWindow.h"
+#include "shell/window/WindowRegistry.h"
 
 #include <csignal>
 #include <glib-unix.h>

@@ -4,10 +4,10 @@
 #include "bridge/VLDEngineRuntime.h"
 #include "core/InternalRoute.h"
 #include "core/LocationSettings.h"
-#include "shell/AppDelegate.h"
-#include "shell/BrowserTab.h"
-#include "shell/MainWindow.h"
-#include "shell/WindowRegistry.h"
+#include "shell/tab/BrowserTab.h"
+#include "shell/window/AppDelegate.h"
+#include "shell/window/MainWindow.h"
+#include "shell/window/WindowRegistry.h"
 
 namespace velder {
 
@@ -17,7 +17,7 @@ void ShellPageHost::refreshInternalPages(std::optional<std::uint64_t> requesting
         return; // shutting down
     }
     for (const auto& window : WindowRegistry::shared().windows) {
-        for (const auto& tab : window->tabs) {
+        for (const auto& tab : window->tabs()) {
             if (requestingView && tab->view()->identifier() == *requestingView) {
                 continue; // that one takes its redirect
             }

@@ -14,14 +14,6 @@ class VLDBrowserView;
 class VLDDownloadCallback;
 class VLDPermissionRequest;
 
-// Key modifier bits the key hook reports (Ctrl as the command bit).
-namespace VLDKeyModifiers {
-inline constexpr std::uint32_t shift = 2;
-inline constexpr std::uint32_t control = 4;
-inline constexpr std::uint32_t alt = 8;
-inline constexpr std::uint32_t command = 128; // Ctrl on Linux
-} // namespace VLDKeyModifiers
-
 // How a page's web process ended.
 namespace VLDRenderProcessStatus {
 inline constexpr std::int64_t wasKilled = 1; // by Velder itself
@@ -102,7 +94,7 @@ public:
     {
     }
 
-    // Keys, before the page sees them: true means the owner took the key.
+    // Keys, before the page sees them, with KeyModifier flags: true means the owner took the key.
     virtual bool shouldHandleKey(VLDBrowserView&, std::int32_t /*windowsKeyCode*/, std::uint32_t /*modifiers*/)
     {
         return false;

@@ -189,6 +189,10 @@ gboolean decideNavigation(
         = webkit_navigation_policy_decision_get_navigation_action(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
     std::string url = webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
     if (auto foreground = newTabDisposition(action, type)) {
+        if (!VLDInternalAddress::pageMayOpen(view->committedURL(), url)) {
+            webkit_policy_decision_ignore(decision);
+            return TRUE;
+        }
         auto delegate = view->delegate();
         if (delegate && delegate->openURLInNewTab(*view, url, *foreground)) {
             webkit_policy_decision_ignore(decision);
@@ -258,8 +262,7 @@ GtkWidget* onCreate(WebKitWebView* webView, WebKitNavigationAction* action, gpoi
         return nullptr;
     }
     std::string url = webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
-    if (!VLDInternalAddress::mayNavigate(opener->committedURL(), url, false)) {
-        log(VLDInternalAddress::refusalLine(url));
+    if (!VLDInternalAddress::pageMayOpen(opener->committedURL(), url)) {
         return nullptr;
     }
     auto delegate = opener->delegate();

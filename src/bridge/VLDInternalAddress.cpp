@@ -1,5 +1,7 @@
 #include "bridge/VLDInternalAddress.h"
 
+#include "core/Log.h"
+
 #include <cstring>
 #include <glib.h>
 
@@ -18,6 +20,15 @@ bool mayNavigate(const std::string& currentPage, const std::string& target, bool
         return true;
     }
     return !isRedirect && isInternal(currentPage);
+}
+
+bool pageMayOpen(const std::string& sourcePage, const std::string& target)
+{
+    if (mayNavigate(sourcePage, target, false)) {
+        return true;
+    }
+    log(refusalLine(target));
+    return false;
 }
 
 std::string refusalLine(const std::string& target)

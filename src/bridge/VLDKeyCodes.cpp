@@ -1,6 +1,6 @@
 #include "bridge/VLDKeyCodes.h"
 
-#include "bridge/VLDBrowserDelegate.h"
+#include "core/KeyBinding.h"
 
 #include <gdk/gdk.h>
 #include <linux/input-event-codes.h>
@@ -150,13 +150,13 @@ std::uint32_t modifiersForState(unsigned state)
 {
     std::uint32_t modifiers = 0;
     if (state & GDK_CONTROL_MASK) {
-        modifiers |= VLDKeyModifiers::command;
+        modifiers |= KeyModifier::command;
     }
     if (state & GDK_ALT_MASK) {
-        modifiers |= VLDKeyModifiers::alt;
+        modifiers |= KeyModifier::option;
     }
     if (state & GDK_SHIFT_MASK) {
-        modifiers |= VLDKeyModifiers::shift;
+        modifiers |= KeyModifier::shift;
     }
     return modifiers;
 }

@@ -134,27 +134,8 @@ std::optional<BrowserAction> actionForKey(std::string_view key, std::uint32_t fl
     return std::nullopt;
 }
 
-std::uint32_t flagsFromEngineModifiers(std::uint32_t engineModifiers)
+std::optional<BrowserAction> actionForWindowsKeyCode(std::int32_t code, std::uint32_t flags)
 {
-    std::uint32_t flags = 0;
-    if (engineModifiers & 128) {
-        flags |= command;
-    }
-    if (engineModifiers & 2) {
-        flags |= shift;
-    }
-    if (engineModifiers & 4) {
-        flags |= control;
-    }
-    if (engineModifiers & 8) {
-        flags |= option;
-    }
-    return flags;
-}
-
-std::optional<BrowserAction> actionForWindowsKeyCode(std::int32_t code, std::uint32_t engineModifiers)
-{
-    std::uint32_t flags = flagsFromEngineModifiers(engineModifiers);
     for (const auto& binding : bindings()) {
         if (binding.windowsKeyCode == code && modifiersMatch(binding, flags)) {
             return binding.action;

@@ -27,12 +27,8 @@ bool modifiersMatch(const KeyBinding& binding, std::uint32_t flags);
 // Keys with neither Ctrl nor Alt go on to the focused widget, unless they are function keys.
 std::optional<BrowserAction> actionForKey(std::string_view key, std::uint32_t flags);
 
-// The engine's key path, given the Windows key code and the engine's modifier bits (Ctrl reported as the
-// command bit 128, Alt 8, Shift 2, control 4).
-std::optional<BrowserAction> actionForWindowsKeyCode(std::int32_t code, std::uint32_t engineModifiers);
-
-// The engine's modifier bits as KeyModifier flags.
-std::uint32_t flagsFromEngineModifiers(std::uint32_t engineModifiers);
+// The engine's key path, given the Windows key code and the event's KeyModifier flags.
+std::optional<BrowserAction> actionForWindowsKeyCode(std::int32_t code, std::uint32_t flags);
 
 } // namespace Shortcuts
 

@@ -1,4 +1,5 @@
 #include "bridge/VLDKeyCodes.h"
+#include "core/KeyBinding.h"
 
 #include <gdk/gdk.h>
 #include <gtest/gtest.h>
@@ -98,11 +99,12 @@ TEST(KeyCodesTest, ModifiersBecomeVelderBits)
     };
     const Row rows[] = {
         { "none", 0, 0 },
-        { "Ctrl is the command bit", GDK_CONTROL_MASK, 128 },
-        { "Alt", GDK_ALT_MASK, 8 },
-        { "Shift", GDK_SHIFT_MASK, 2 },
-        { "Ctrl+Shift", GDK_CONTROL_MASK | GDK_SHIFT_MASK, 130 },
-        { "all three", GDK_CONTROL_MASK | GDK_SHIFT_MASK | GDK_ALT_MASK, 138 },
+        { "Ctrl is the command flag", GDK_CONTROL_MASK, KeyModifier::command },
+        { "Alt is the option flag", GDK_ALT_MASK, KeyModifier::option },
+        { "Shift", GDK_SHIFT_MASK, KeyModifier::shift },
+        { "Ctrl+Shift", GDK_CONTROL_MASK | GDK_SHIFT_MASK, KeyModifier::command | KeyModifier::shift },
+        { "all three", GDK_CONTROL_MASK | GDK_SHIFT_MASK | GDK_ALT_MASK,
+            KeyModifier::command | KeyModifier::shift | KeyModifier::option },
         { "buttons and locks are not keys", GDK_BUTTON1_MASK | GDK_LOCK_MASK, 0 },
     };
     for (const auto& row : rows) {

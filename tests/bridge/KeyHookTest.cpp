@@ -1,4 +1,5 @@
 #include "BridgeTest.h"
+#include "core/KeyBinding.h"
 
 #include <gdk/gdkkeysyms.h>
 
@@ -17,9 +18,8 @@ TEST_F(KeyHookTest, KeysReachTheOwnerBeforeThePage)
                        "addEventListener('keydown', e => seen.push(e.key.toLowerCase()));</script></body>";
     m_server->route("/keys", TestResponse::html(page));
     auto delegate = std::make_shared<RecordingDelegate>();
-    delegate->handlesKey = [](std::int32_t code, std::uint32_t modifiers) {
-        return code == 84 && modifiers == VLDKeyModifiers::command;
-    };
+    delegate->handlesKey
+        = [](std::int32_t code, std::uint32_t modifiers) { return code == 84 && modifiers == KeyModifier::command; };
     auto view = openView(m_server->url("/keys"), delegate);
     ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/keys")); }));
     ASSERT_TRUE(waitFor([&] { return gtk_widget_get_mapped(view->widget()); }));
@@ -32,17 +32,17 @@ TEST_F(KeyHookTest, KeysReachTheOwnerBeforeThePage)
     };
 
     RealInput::pressKey(view->widget(), GDK_KEY_t, { GDK_KEY_Control_L });
-    ASSERT_TRUE(waitFor([&] { return countOf(84, VLDKeyModifiers::command) > 0; }, 5s));
+    ASSERT_TRUE(waitFor([&] { return countOf(84, KeyModifier::command) > 0; }, 5s));
 
     RealInput::pressKey(view->widget(), GDK_KEY_a);
     ASSERT_TRUE(waitForScriptValue(*view, "seen.includes('a')", "true"));
     RealInput::pressKey(view->widget(), GDK_KEY_equal, { GDK_KEY_Shift_L });
-    ASSERT_TRUE(waitFor([&] { return countOf(187, VLDKeyModifiers::shift) > 0; }, 5s));
+    ASSERT_TRUE(waitFor([&] { return countOf(187, KeyModifier::shift) > 0; }, 5s));
     ASSERT_TRUE(waitForScriptValue(*view, "seen.includes('+')", "true"));
 
-    EXPECT_EQ(countOf(84, VLDKeyModifiers::command), 1);
+    EXPECT_EQ(countOf(84, KeyModifier::command), 1);
     EXPECT_EQ(countOf(65, 0), 1) << "a key the page leaves unhandled is offered once";
-    EXPECT_EQ(countOf(187, VLDKeyModifiers::shift), 1);
+    EXPECT_EQ(countOf(187, KeyModifier::shift), 1);
     EXPECT_EQ(evaluate(*view, "seen.includes('t')"), "false") << "the page never sees a key the owner took";
 
     // Without the focus in the page, its keys aren't the page's.

@@ -1,7 +1,7 @@
 #include "WidgetTestSupport.h"
 
 #include "glib/GObjectPtr.h"
-#include "shell/AddressBar.h"
+#include "shell/chrome/AddressBar.h"
 
 namespace velder::test {
 namespace {

@@ -1,6 +1,6 @@
 #include "WidgetTestSupport.h"
 
-#include "shell/BlankSlate.h"
+#include "shell/overlays/BlankSlate.h"
 
 namespace velder::test {
 namespace {

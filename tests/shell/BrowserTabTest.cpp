@@ -3,10 +3,12 @@
 #include "ShellTest.h"
 
 #include "bridge/VLDPermissionRequest.h"
+#include "core/KeyBinding.h"
 #include "core/LocationSettings.h"
 #include "core/Log.h"
 #include "core/Shortcuts.h"
-#include "shell/BrowserTab.h"
+#include "shell/tab/BrowserTab.h"
+#include "shell/tab/TabHost.h"
 
 #include <glib.h>
 
@@ -58,6 +60,36 @@ public:
     std::vector<std::pair<std::string, int>> priv;
 };
 
+// Counts what a tab asks of its window.
+class RecordingHost : public TabHost {
+public:
+    void tabDidChange(BrowserTab&) override { ++changes; }
+    void tabDidFindMatches(BrowserTab&) override { ++findResults; }
+    void tabLocationRequestDidChange(BrowserTab&) override { ++locationChanges; }
+    bool tabDidPressKey(BrowserTab&, BrowserAction action) override
+    {
+        keys.push_back(action);
+        return true;
+    }
+    bool tabWantsContextMenu(BrowserTab&, const VLDContextMenuInfo&) override { return true; }
+    bool tabOpensInNewTab(BrowserTab&, const std::string&, bool) override { return false; }
+    std::shared_ptr<VLDBrowserView> tabWantsPopupHost(BrowserTab&, const std::string&) override { return nullptr; }
+    void tabWillTearDown(BrowserTab&) override { }
+    void tabBrowserDidClose(BrowserTab&) override { }
+
+    int changes = 0;
+    int findResults = 0;
+    int locationChanges = 0;
+    std::vector<BrowserAction> keys;
+};
+
+std::shared_ptr<RecordingHost> hostOf(BrowserTab& tab)
+{
+    auto host = std::make_shared<RecordingHost>();
+    tab.setHost(host);
+    return host;
+}
+
 std::string decodedErrorPage(const std::string& dataURL)
 {
     const std::string prefix = "data:text/html;charset=utf-8;base64,";
@@ -75,8 +107,7 @@ TEST_F(BrowserTabTest, AddressReportsMakeHistoryOnlyForOrdinaryPages)
 {
     auto tab = BrowserTab::create("https://start.example/", false);
     auto view = fakeViewOf(*tab);
-    int changes = 0;
-    tab->onStateChanged = [&](BrowserTab&) { ++changes; };
+    auto host = hostOf(*tab);
 
     view->reportAddress("https://a.example/page");
     EXPECT_EQ(tab->displayTitle(), "a.example") << "a new address clears the title: the host shows meanwhile";
@@ -86,7 +117,7 @@ TEST_F(BrowserTabTest, AddressReportsMakeHistoryOnlyForOrdinaryPages)
     view->reportAddress("velder://history/");
     view->reportAddress("data:text/html,hello");
     EXPECT_EQ(tab->url, "velder://history/") << "a data: report changes nothing";
-    EXPECT_EQ(changes, 4);
+    EXPECT_EQ(host->changes, 4);
 
     auto entries = HistoryStore::shared().entries();
     ASSERT_EQ(entries.size(), 1u);
@@ -146,25 +177,23 @@ TEST_F(BrowserTabTest, AFailedLoadShowsTheErrorPageWhileTheTabKeepsTheAddress)
 TEST_F(BrowserTabTest, TheEngineKeyHookRunsTheKeyTable)
 {
     auto tab = BrowserTab::create("https://a.example/", false);
-    std::vector<BrowserAction> ran;
-    tab->handleKey = [&](BrowserAction action) {
-        ran.push_back(action);
-        return true;
-    };
+    auto host = hostOf(*tab);
+    std::vector<BrowserAction>& ran = host->keys;
     struct Row {
         std::int32_t code;
         std::uint32_t modifiers;
         std::optional<BrowserAction> expected;
     };
+    using namespace KeyModifier;
     std::vector<Row> rows = {
-        { 84, 128, BrowserAction::Kind::newTab }, // Ctrl+T
-        { 84, 128 | 2, BrowserAction::Kind::reopenClosedTab }, // Ctrl+Shift+T
-        { 87, 128 | 2, BrowserAction::Kind::closeWindow },
-        { 187, 128 | 2, BrowserAction::Kind::zoomIn }, // Ctrl+Shift+= is "+": shift doesn't count
+        { 84, command, BrowserAction::Kind::newTab }, // Ctrl+T
+        { 84, command | shift, BrowserAction::Kind::reopenClosedTab }, // Ctrl+Shift+T
+        { 87, command | shift, BrowserAction::Kind::closeWindow },
+        { 187, command | shift, BrowserAction::Kind::zoomIn }, // Ctrl+Shift+= is "+": shift doesn't count
         { 27, 0, BrowserAction::Kind::stop }, // a bare Escape in a page
         { 116, 0, BrowserAction::Kind::reload }, // F5
-        { 37, 8, BrowserAction::Kind::back }, // Alt+Left
-        { 84, 128 | 8, std::nullopt }, // an extra Alt matches nothing
+        { 37, option, BrowserAction::Kind::back }, // Alt+Left
+        { 84, command | option, std::nullopt }, // an extra Alt matches nothing
         { 65, 0, std::nullopt },
     };
     for (const auto& row : rows) {
@@ -183,8 +212,7 @@ TEST_F(BrowserTabTest, AnEmptyFindClearsWithoutSearching)
 {
     auto tab = BrowserTab::create("https://a.example/", false);
     auto view = fakeViewOf(*tab);
-    int results = 0;
-    tab->onFindResult = [&](BrowserTab&) { ++results; };
+    auto host = hostOf(*tab);
     view->delegate()->didFindMatchCount(*view, 12, 3, false);
     EXPECT_EQ(tab->findMatchCount, 12);
     EXPECT_EQ(tab->findActiveMatch, 3);
@@ -192,7 +220,7 @@ TEST_F(BrowserTabTest, AnEmptyFindClearsWithoutSearching)
     EXPECT_EQ(tab->findMatchCount, 0);
     EXPECT_EQ(tab->findActiveMatch, 0);
     EXPECT_EQ(view->commands, (std::vector<std::string> { "stopFinding" }));
-    EXPECT_EQ(results, 2);
+    EXPECT_EQ(host->findResults, 2);
     tab->find("word", false, true);
     EXPECT_EQ(view->commands.back(), "find word backward next");
 }
@@ -206,8 +234,7 @@ TEST_F(BrowserTabTest, LocationRequestsFollowTheStoredAnswersAndTheSessionAnswer
         data.locationSites["https://blocked.example"] = false;
     });
     auto tab = BrowserTab::create("https://a.example/", false);
-    int changes = 0;
-    tab->onLocationRequestChanged = [&](BrowserTab&) { ++changes; };
+    auto host = hostOf(*tab);
 
     auto blocked = std::make_shared<FakePermissionRequest>("https://blocked.example");
     EXPECT_TRUE(tab->handleLocationRequest(blocked));
@@ -224,7 +251,7 @@ TEST_F(BrowserTabTest, LocationRequestsFollowTheStoredAnswersAndTheSessionAnswer
     EXPECT_EQ(first->answer, false);
     EXPECT_FALSE(second->answer);
     EXPECT_EQ(tab->pendingLocationRequest, second);
-    EXPECT_EQ(changes, 2);
+    EXPECT_EQ(host->locationChanges, 2);
 
     // "Allow once": the request is allowed, nothing is stored, the tab is lit while it stays on the origin.
     tab->resolveLocation(LocationChoice::allowOnce);

@@ -7,12 +7,12 @@
 
 #include "bridge/VLDBrowserView.h"
 #include "core/Palette.h"
-#include "shell/AddressBar.h"
-#include "shell/BrowserTab.h"
-#include "shell/FindBar.h"
-#include "shell/MainWindow.h"
-#include "shell/TabStrip.h"
-#include "shell/UrlSuggestions.h"
+#include "shell/chrome/AddressBar.h"
+#include "shell/chrome/TabStrip.h"
+#include "shell/overlays/FindBar.h"
+#include "shell/overlays/UrlSuggestions.h"
+#include "shell/tab/BrowserTab.h"
+#include "shell/window/MainWindow.h"
 #include "support/RealInput.h"
 #include "support/TestServer.h"
 
@@ -57,7 +57,7 @@ protected:
         window->makeKeyAndOrderFront();
         bool loaded = spinUntil(
             [&] {
-                return std::all_of(window->tabs.begin(), window->tabs.end(),
+                return std::all_of(window->tabs().begin(), window->tabs().end(),
                     [](auto& tab) { return tab->view()->hasBrowser() && !tab->isLoading && !tab->title.empty(); });
             },
             20s);
@@ -184,8 +184,8 @@ TEST_F(BrowserWindowTest, CtrlWInAPageClosesTheTab)
     window->selectTab(1);
     ASSERT_TRUE(touchPage(*window));
     RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_w, { GDK_KEY_Control_L });
-    ASSERT_TRUE(spinUntil([&] { return window->tabs.size() == 1; }, 10s));
-    EXPECT_EQ(window->tabs[0]->url, server.url("/one"));
+    ASSERT_TRUE(spinUntil([&] { return window->tabs().size() == 1; }, 10s));
+    EXPECT_EQ(window->tabs()[0]->url, server.url("/one"));
     EXPECT_EQ(delegate->closedTabs().front(), server.url("/two"));
 }
 
@@ -221,13 +221,13 @@ TEST_F(BrowserWindowTest, ARefusedBeforeUnloadKeepsTheTab)
     window->selectTab(1);
     ASSERT_TRUE(touchPage(*window)); // a page may only hold on to a visitor it has met
     // The page answers: a close asked of a page that doesn't would go ahead without it.
-    ASSERT_EQ(PageProbe::evaluate(*window->tabs[1]->view(), "document.title"), "Touched");
+    ASSERT_EQ(PageProbe::evaluate(*window->tabs()[1]->view(), "document.title"), "Touched");
     window->closeTab(1);
     runMainLoopFor(1500ms);
-    ASSERT_EQ(window->tabs.size(), 2u);
-    EXPECT_TRUE(window->tabs[1]->view()->hasBrowser());
+    ASSERT_EQ(window->tabs().size(), 2u);
+    EXPECT_TRUE(window->tabs()[1]->view()->hasBrowser());
 
     window->closeTab(0); // a page without the handler closes
-    ASSERT_TRUE(spinUntil([&] { return window->tabs.size() == 1; }, 10s));
-    EXPECT_EQ(window->tabs[0]->url, server.url("/stay"));
+    ASSERT_TRUE(spinUntil([&] { return window->tabs().size() == 1; }, 10s));
+    EXPECT_EQ(window->tabs()[0]->url, server.url("/stay"));
 }

@@ -1,8 +1,8 @@
 #include "WidgetTestSupport.h"
 
-#include "shell/ChromeButton.h"
-#include "shell/PopupMenu.h"
-#include "shell/SymbolCache.h"
+#include "shell/chrome/ChromeButton.h"
+#include "shell/chrome/PopupMenu.h"
+#include "shell/chrome/SymbolCache.h"
 
 namespace velder::test {
 namespace {

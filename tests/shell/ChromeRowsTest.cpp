@@ -1,7 +1,7 @@
 #include "WidgetTestSupport.h"
 
-#include "shell/TitlebarRow.h"
-#include "shell/ToolbarRow.h"
+#include "shell/chrome/TitlebarRow.h"
+#include "shell/chrome/ToolbarRow.h"
 
 namespace velder::test {
 namespace {

@@ -1,6 +1,6 @@
 #include "FakeBrowserView.h"
 
-#include "shell/BrowserTab.h"
+#include "shell/tab/BrowserTab.h"
 
 namespace velder::test {
 

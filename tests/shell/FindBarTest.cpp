@@ -1,6 +1,6 @@
 #include "WidgetTestSupport.h"
 
-#include "shell/FindBar.h"
+#include "shell/overlays/FindBar.h"
 
 namespace velder::test {
 namespace {

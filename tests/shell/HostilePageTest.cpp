@@ -9,8 +9,8 @@
 #include "core/ContentPolicy.h"
 #include "core/Log.h"
 #include "core/TopSites.h"
-#include "shell/BrowserTab.h"
-#include "shell/MainWindow.h"
+#include "shell/tab/BrowserTab.h"
+#include "shell/window/MainWindow.h"
 #include "support/RealInput.h"
 #include "support/TestServer.h"
 
@@ -156,8 +156,8 @@ TEST_F(HostilePageTest, NoRoadFromAWebPageReachesVelderActions)
     runMainLoopFor(500ms);
 
     expectNothingActed();
-    EXPECT_EQ(window->tabs.size(), 1u) << "no tab opened for a velder:// address";
-    for (const auto& tab : window->tabs) {
+    EXPECT_EQ(window->tabs().size(), 1u) << "no tab opened for a velder:// address";
+    for (const auto& tab : window->tabs()) {
         EXPECT_FALSE(InternalRoutes::parse(tab->url)) << tab->url;
     }
     for (const auto& action : actions) {

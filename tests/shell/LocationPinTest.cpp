@@ -1,6 +1,6 @@
 #include "WidgetTestSupport.h"
 
-#include "shell/LocationPin.h"
+#include "shell/chrome/LocationPin.h"
 
 namespace velder::test {
 namespace {

@@ -3,8 +3,8 @@
 #include "ShellTest.h"
 
 #include "core/InternalRoute.h"
-#include "shell/BrowserTab.h"
-#include "shell/MainWindow.h"
+#include "shell/tab/BrowserTab.h"
+#include "shell/window/MainWindow.h"
 
 using namespace velder;
 using namespace velder::test;
@@ -16,7 +16,7 @@ protected:
     // An ordinary window in the registry, with one tab per URL, each with a live browser.
     std::shared_ptr<MainWindow> windowWith(const std::vector<std::string>& urls, bool isPrivate = false)
     {
-        auto window = MainWindow::create(MainWindow::defaultFrame(), isPrivate, false);
+        auto window = MainWindow::create(WindowFrame::defaultFrame(), isPrivate, false);
         WindowRegistry::shared().windows.push_back(window);
         for (const auto& url : urls) {
             auto tab = BrowserTab::create(url, isPrivate);
@@ -29,7 +29,7 @@ protected:
     static std::vector<std::string> urlsOf(const MainWindow& window)
     {
         std::vector<std::string> urls;
-        for (const auto& tab : window.tabs) {
+        for (const auto& tab : window.tabs()) {
             urls.push_back(tab->url);
         }
         return urls;
@@ -38,7 +38,8 @@ protected:
 
 } // namespace
 
-TEST_F(MainWindowTest, ClosingATabSelectsTheTabNowAtItsPlace)
+// Closing another tab leaves the active one active; closing the active tab hands on to the tab now at its place.
+TEST_F(MainWindowTest, ClosingATabKeepsTheActiveOneOrSelectsTheTabAtItsPlace)
 {
     struct Row {
         std::size_t active;
@@ -47,19 +48,20 @@ TEST_F(MainWindowTest, ClosingATabSelectsTheTabNowAtItsPlace)
         std::string nowActive;
     };
     std::vector<Row> rows = {
-        { 0, 2, { "https://a.example/", "https://b.example/", "https://d.example/" }, "https://d.example/" },
-        { 3, 1, { "https://a.example/", "https://c.example/", "https://d.example/" }, "https://c.example/" },
-        { 1, 3, { "https://a.example/", "https://b.example/", "https://c.example/" }, "https://c.example/" },
+        { 0, 2, { "https://a.example/", "https://b.example/", "https://d.example/" }, "https://a.example/" },
+        { 3, 1, { "https://a.example/", "https://c.example/", "https://d.example/" }, "https://d.example/" },
+        { 1, 3, { "https://a.example/", "https://b.example/", "https://c.example/" }, "https://b.example/" },
         { 2, 2, { "https://a.example/", "https://b.example/", "https://d.example/" }, "https://d.example/" },
+        { 3, 3, { "https://a.example/", "https://b.example/", "https://c.example/" }, "https://c.example/" },
     };
     for (const auto& row : rows) {
         SCOPED_TRACE("active " + std::to_string(row.active) + ", closed " + std::to_string(row.closed));
         auto window
             = windowWith({ "https://a.example/", "https://b.example/", "https://c.example/", "https://d.example/" });
         window->selectTab(row.active);
-        auto closing = window->tabs[row.closed];
+        auto closing = window->tabs()[row.closed];
         window->closeTab(row.closed);
-        ASSERT_TRUE(spinUntil([&] { return window->tabs.size() == 3; }));
+        ASSERT_TRUE(spinUntil([&] { return window->tabs().size() == 3; }));
         EXPECT_EQ(urlsOf(*window), row.left);
         EXPECT_EQ(window->activeTab()->url, row.nowActive);
         EXPECT_EQ(delegate->closedTabs().front(), closing->url);
@@ -70,11 +72,11 @@ TEST_F(MainWindowTest, ClosingATabSelectsTheTabNowAtItsPlace)
 TEST_F(MainWindowTest, ATabThatRefusesToUnloadStaysOpen)
 {
     auto window = windowWith({ "https://a.example/", "https://b.example/" });
-    fakeViewOf(*window->tabs[1])->refusesToUnload = true;
+    fakeViewOf(*window->tabs()[1])->refusesToUnload = true;
     window->closeTab(1);
     runMainLoopFor(std::chrono::milliseconds(50));
-    EXPECT_EQ(window->tabs.size(), 2u);
-    EXPECT_TRUE(window->tabs[1]->view()->hasBrowser());
+    EXPECT_EQ(window->tabs().size(), 2u);
+    EXPECT_TRUE(window->tabs()[1]->view()->hasBrowser());
 }
 
 TEST_F(MainWindowTest, ClosingTheOnlyTabClosesTheWindowAndForgetsNothingToReopen)
@@ -88,7 +90,7 @@ TEST_F(MainWindowTest, ClosingTheOnlyTabClosesTheWindowAndForgetsNothingToReopen
     EXPECT_TRUE(delegate->closedTabs().empty());
 
     // Tabs that never got a browser don't hold the window up.
-    auto other = MainWindow::create(MainWindow::defaultFrame(), false, false);
+    auto other = MainWindow::create(WindowFrame::defaultFrame(), false, false);
     WindowRegistry::shared().windows.push_back(other);
     other->install(BrowserTab::create("https://x.example/", false), true);
     other->install(BrowserTab::create("https://y.example/", false), true);
@@ -111,7 +113,7 @@ TEST_F(MainWindowTest, MovingTabsKeepsTheActiveOne)
         window->selectTab(row.active);
         auto active = window->activeTab();
         window->moveTab(row.from, row.to);
-        EXPECT_EQ(window->activeIndex, row.nowActive);
+        EXPECT_EQ(window->activeIndex(), row.nowActive);
         EXPECT_EQ(window->activeTab(), active);
         WindowRegistry::shared().reset();
     }
@@ -122,29 +124,30 @@ TEST_F(MainWindowTest, TabCommandsWrapAndIgnorePositionsPastTheEnd)
     auto window = windowWith({ "https://a.example/", "https://b.example/", "https://c.example/" });
     window->selectTab(2);
     window->perform(BrowserAction::Kind::nextTab);
-    EXPECT_EQ(window->activeIndex, 0u);
+    EXPECT_EQ(window->activeIndex(), 0u);
     window->perform(BrowserAction::Kind::prevTab);
-    EXPECT_EQ(window->activeIndex, 2u);
+    EXPECT_EQ(window->activeIndex(), 2u);
     window->perform(BrowserAction::selectTab(1));
-    EXPECT_EQ(window->activeIndex, 0u);
+    EXPECT_EQ(window->activeIndex(), 0u);
     window->perform(BrowserAction::selectTab(7));
-    EXPECT_EQ(window->activeIndex, 0u);
+    EXPECT_EQ(window->activeIndex(), 0u);
     window->perform(BrowserAction::Kind::selectLastTab);
-    EXPECT_EQ(window->activeIndex, 2u);
+    EXPECT_EQ(window->activeIndex(), 2u);
 }
 
 TEST_F(MainWindowTest, CloseOthersAndToTheRight)
 {
     auto window
         = windowWith({ "https://a.example/", "https://b.example/", "https://c.example/", "https://d.example/" });
-    window->tabMenuCloseToRight(1);
-    ASSERT_TRUE(spinUntil([&] { return window->tabs.size() == 2; }));
+    g_action_group_activate_action(window->actions(), "tabCloseToRight", g_variant_new_uint32(1));
+    ASSERT_TRUE(spinUntil([&] { return window->tabs().size() == 2; }));
     EXPECT_EQ(urlsOf(*window), (std::vector<std::string> { "https://a.example/", "https://b.example/" }));
-    window->tabMenuCloseOthers(1);
-    ASSERT_TRUE(spinUntil([&] { return window->tabs.size() == 1; }));
-    EXPECT_EQ(window->tabs[0]->url, "https://b.example/");
-    window->tabMenuCloseOthers(5); // past the end: nothing
-    EXPECT_EQ(window->tabs.size(), 1u);
+    g_action_group_activate_action(window->actions(), "tabCloseOthers", g_variant_new_uint32(1));
+    ASSERT_TRUE(spinUntil([&] { return window->tabs().size() == 1; }));
+    EXPECT_EQ(window->tabs()[0]->url, "https://b.example/");
+    g_action_group_activate_action(
+        window->actions(), "tabCloseOthers", g_variant_new_uint32(5)); // past the end: nothing
+    EXPECT_EQ(window->tabs().size(), 1u);
 }
 
 TEST_F(MainWindowTest, NewTabsTakeTheCurrentZoom)
@@ -152,7 +155,7 @@ TEST_F(MainWindowTest, NewTabsTakeTheCurrentZoom)
     auto window = windowWith({ "https://a.example/" });
     window->perform(BrowserAction::Kind::zoomIn);
     window->perform(BrowserAction::Kind::zoomIn);
-    EXPECT_EQ(window->tabs[0]->view()->zoomLevel(), 2);
+    EXPECT_EQ(window->tabs()[0]->view()->zoomLevel(), 2);
     window->perform(BrowserAction::Kind::newTab);
     EXPECT_EQ(window->activeTab()->view()->zoomLevel(), 2);
     Vault::shared().flushNow();
@@ -166,16 +169,16 @@ TEST_F(MainWindowTest, PrivateWindowsLeaveNoTrace)
     auto window = windowWith({ "about:blank" }, true);
 
     // A page visited in a private tab doesn't reach the history.
-    fakeViewOf(*window->tabs[0])->reportAddress("https://secret.example/");
-    fakeViewOf(*window->tabs[0])->reportTitle("Secret");
-    EXPECT_EQ(window->tabs[0]->url, "https://secret.example/");
+    fakeViewOf(*window->tabs()[0])->reportAddress("https://secret.example/");
+    fakeViewOf(*window->tabs()[0])->reportTitle("Secret");
+    EXPECT_EQ(window->tabs()[0]->url, "https://secret.example/");
     EXPECT_TRUE(HistoryStore::shared().entries().empty());
 
     // Its zoom holds for every view but isn't stored.
     window->perform(BrowserAction::Kind::zoomOut);
     window->perform(BrowserAction::Kind::zoomOut);
     window->perform(BrowserAction::Kind::zoomOut);
-    EXPECT_EQ(ordinary->tabs[0]->view()->zoomLevel(), -2);
+    EXPECT_EQ(ordinary->tabs()[0]->view()->zoomLevel(), -2);
     EXPECT_EQ(Vault::shared().snapshot()->currentZoomLevel, 1);
 
     // Closed private tabs aren't remembered, and new tabs stay private and blank.
@@ -183,21 +186,21 @@ TEST_F(MainWindowTest, PrivateWindowsLeaveNoTrace)
     EXPECT_TRUE(window->activeTab()->isPrivate());
     EXPECT_EQ(window->activeTab()->url, "about:blank");
     window->closeTab(0);
-    ASSERT_TRUE(spinUntil([&] { return window->tabs.size() == 1; }));
+    ASSERT_TRUE(spinUntil([&] { return window->tabs().size() == 1; }));
     EXPECT_TRUE(delegate->closedTabs().empty());
 
     // Settings open in the ordinary window.
     window->perform(BrowserAction::Kind::settings);
-    EXPECT_EQ(window->tabs.size(), 1u);
-    ASSERT_EQ(ordinary->tabs.size(), 2u);
+    EXPECT_EQ(window->tabs().size(), 1u);
+    ASSERT_EQ(ordinary->tabs().size(), 2u);
     EXPECT_EQ(ordinary->activeTab()->url, "velder://settings/");
     EXPECT_FALSE(ordinary->activeTab()->isPrivate());
 
     // A second request shows the existing settings tab.
     ordinary->selectTab(0);
     window->perform(BrowserAction::Kind::settings);
-    EXPECT_EQ(ordinary->tabs.size(), 2u);
-    EXPECT_EQ(ordinary->activeIndex, 1u);
+    EXPECT_EQ(ordinary->tabs().size(), 2u);
+    EXPECT_EQ(ordinary->activeIndex(), 1u);
 }
 
 TEST_F(MainWindowTest, SettingsFromAPrivateWindowAloneOpenAnOrdinaryWindow)
@@ -208,18 +211,18 @@ TEST_F(MainWindowTest, SettingsFromAPrivateWindowAloneOpenAnOrdinaryWindow)
     auto opened = WindowRegistry::shared().windows.back();
     EXPECT_FALSE(opened->isPrivate());
     EXPECT_EQ(opened->activeTab()->url, "velder://history/");
-    EXPECT_EQ(window->tabs.size(), 1u);
+    EXPECT_EQ(window->tabs().size(), 1u);
 }
 
 TEST_F(MainWindowTest, ReopeningClosedTabsNeverLandsInAPrivateWindow)
 {
     auto ordinary = windowWith({ "https://a.example/", "https://b.example/" });
     ordinary->closeTab(1);
-    ASSERT_TRUE(spinUntil([&] { return ordinary->tabs.size() == 1; }));
+    ASSERT_TRUE(spinUntil([&] { return ordinary->tabs().size() == 1; }));
     auto window = windowWith({ "about:blank" }, true);
     window->perform(BrowserAction::Kind::reopenClosedTab);
-    EXPECT_EQ(window->tabs.size(), 1u);
-    ASSERT_EQ(ordinary->tabs.size(), 2u);
+    EXPECT_EQ(window->tabs().size(), 1u);
+    ASSERT_EQ(ordinary->tabs().size(), 2u);
     EXPECT_EQ(ordinary->activeTab()->url, "https://b.example/");
     EXPECT_FALSE(ordinary->activeTab()->isPrivate());
 }

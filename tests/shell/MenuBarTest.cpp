@@ -2,9 +2,9 @@
 
 #include "ShellTest.h"
 
-#include "shell/BrowserTab.h"
-#include "shell/MainWindow.h"
-#include "shell/MenuBar.h"
+#include "shell/tab/BrowserTab.h"
+#include "shell/window/MainWindow.h"
+#include "shell/window/MenuBar.h"
 
 using namespace velder;
 using namespace velder::test;
@@ -101,7 +101,7 @@ TEST_F(MenuBarTest, TheMenusInTheirOrderWithOneKeyEach)
 
 TEST_F(MenuBarTest, ItemsNameTheWindowsActionsAndFollowItsState)
 {
-    auto window = MainWindow::create(MainWindow::defaultFrame(), false, false);
+    auto window = MainWindow::create(WindowFrame::defaultFrame(), false, false);
     WindowRegistry::shared().windows.push_back(window);
     window->install(BrowserTab::create("https://a.example/", false), true);
     GActionGroup* actions = window->actions();
@@ -124,16 +124,16 @@ TEST_F(MenuBarTest, ItemsNameTheWindowsActionsAndFollowItsState)
     EXPECT_FALSE(g_action_group_get_action_enabled(actions, "reopenClosedTab"));
     EXPECT_FALSE(g_action_group_get_action_enabled(actions, "checkForUpdates")) << "this build has no update channel";
     EXPECT_TRUE(g_action_group_get_action_enabled(actions, "newTab"));
-    fakeViewOf(*window->tabs[0])->reportLoading(true);
+    fakeViewOf(*window->tabs()[0])->reportLoading(true);
     EXPECT_TRUE(g_action_group_get_action_enabled(actions, "stop"));
 
     // A menu command runs through the window like its key; a disabled one doesn't run.
     g_action_group_activate_action(actions, "stop", nullptr);
-    EXPECT_EQ(fakeViewOf(*window->tabs[0])->commands.back(), "stopLoading");
+    EXPECT_EQ(fakeViewOf(*window->tabs()[0])->commands.back(), "stopLoading");
     g_action_group_activate_action(actions, "newTab", nullptr);
-    ASSERT_EQ(window->tabs.size(), 2u);
+    ASSERT_EQ(window->tabs().size(), 2u);
     EXPECT_FALSE(g_action_group_get_action_enabled(actions, "stop"));
     g_action_group_activate_action(actions, "stop", nullptr);
-    auto& commands = fakeViewOf(*window->tabs[1])->commands;
+    auto& commands = fakeViewOf(*window->tabs()[1])->commands;
     EXPECT_EQ(std::count(commands.begin(), commands.end(), "stopLoading"), 0);
 }

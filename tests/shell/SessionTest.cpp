@@ -2,9 +2,9 @@
 
 #include "ShellTest.h"
 
-#include "shell/BrowserTab.h"
-#include "shell/MainWindow.h"
-#include "shell/WindowPlacement.h"
+#include "core/WindowPlacement.h"
+#include "shell/tab/BrowserTab.h"
+#include "shell/window/MainWindow.h"
 
 using namespace velder;
 using namespace velder::test;
@@ -28,7 +28,7 @@ protected:
 
     static bool settled(const MainWindow& window, const Rect& expected)
     {
-        Rect frame = window.frame();
+        Rect frame = window.placement().frame();
         return frame.x == expected.x && frame.y == expected.y && frame.width == expected.width
             && frame.height == expected.height;
     }
@@ -44,8 +44,9 @@ TEST_F(SessionTest, CaptureThenRestoreGivesTheSameWindows)
     auto b = openWindow(second, { "https://b.example/x?y=1" }, 0);
     openWindow({ 10, 10, 800, 600 }, { "https://private.example/" }, 0, true);
     ASSERT_TRUE(spinUntil([&] { return settled(*a, first) && settled(*b, second); }))
-        << a->frame().x << "," << a->frame().y << " " << a->frame().width << "x" << a->frame().height << " / "
-        << b->frame().x << "," << b->frame().y << " " << b->frame().width << "x" << b->frame().height;
+        << a->placement().frame().x << "," << a->placement().frame().y << " " << a->placement().frame().width << "x"
+        << a->placement().frame().height << " / " << b->placement().frame().x << "," << b->placement().frame().y << " "
+        << b->placement().frame().width << "x" << b->placement().frame().height;
 
     WindowRegistry::shared().capture();
     auto saved = Vault::shared().snapshot()->windows;
@@ -65,7 +66,7 @@ TEST_F(SessionTest, CaptureThenRestoreGivesTheSameWindows)
         SCOPED_TRACE(i);
         WindowSession again = windows[i]->sessionRecord();
         EXPECT_EQ(again, saved[i]);
-        EXPECT_TRUE(windows[i]->hasOwnPlacement);
+        EXPECT_TRUE(windows[i]->placement().hasOwnPlacement());
     }
 }
 
@@ -81,7 +82,7 @@ TEST_F(SessionTest, CapturesKeepWhatWasSavedWhereTheyKnowNoBetter)
     EXPECT_EQ(Vault::shared().snapshot()->windows[0].tabs[0], "https://kept.example/");
 
     // A window without a placement of its own keeps the one saved at its place.
-    auto window = MainWindow::create(MainWindow::defaultFrame(), false, false);
+    auto window = MainWindow::create(WindowFrame::defaultFrame(), false, false);
     window->install(BrowserTab::create("https://new.example/", false), true);
     WindowRegistry::shared().windows.push_back(window);
     WindowRegistry::shared().capture();
@@ -112,13 +113,13 @@ TEST_F(SessionTest, RestoreFollowsTheSettingAndClampsWhatItReads)
     ASSERT_TRUE(WindowRegistry::shared().restoreSavedSession());
     auto& windows = WindowRegistry::shared().windows;
     ASSERT_EQ(windows.size(), 2u) << "a record without tabs opens no window";
-    EXPECT_EQ(windows[0]->activeIndex, 1u) << "an index past the end selects the last tab";
-    EXPECT_EQ(windows[1]->activeIndex, 0u);
+    EXPECT_EQ(windows[0]->activeIndex(), 1u) << "an index past the end selects the last tab";
+    EXPECT_EQ(windows[1]->activeIndex(), 0u);
     // A saved 100 by 100 is raised to 400 by 300, and then to the window's own minimum of 560 by 360.
-    EXPECT_EQ(windows[0]->frame().width, 560);
-    EXPECT_EQ(windows[0]->frame().height, 360);
-    EXPECT_EQ(windows[0]->frame().x, 50);
-    EXPECT_FALSE(windows[1]->hasOwnPlacement);
+    EXPECT_EQ(windows[0]->placement().frame().width, 560);
+    EXPECT_EQ(windows[0]->placement().frame().height, 360);
+    EXPECT_EQ(windows[0]->placement().frame().x, 50);
+    EXPECT_FALSE(windows[1]->placement().hasOwnPlacement());
 }
 
 TEST(WindowPlacement, SavedFramesMustBeReachable)

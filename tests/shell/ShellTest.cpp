@@ -4,8 +4,8 @@
 #include "bridge/VLDEngineRuntime.h"
 #include "core/FaviconFetcher.h"
 #include "core/LocationSettings.h"
-#include "shell/BrowserTab.h"
-#include "shell/MainWindow.h"
+#include "shell/tab/BrowserTab.h"
+#include "shell/window/MainWindow.h"
 
 namespace velder::test {
 

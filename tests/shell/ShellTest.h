@@ -1,8 +1,8 @@
 #pragma once
 
 #include "FakeBrowserView.h"
-#include "shell/AppDelegate.h"
-#include "shell/WindowRegistry.h"
+#include "shell/window/AppDelegate.h"
+#include "shell/window/WindowRegistry.h"
 #include "support/MainLoop.h"
 #include "support/ScopedStores.h"
 

@@ -1,9 +1,9 @@
 #include "WidgetTestSupport.h"
 
 #include "core/Palette.h"
-#include "shell/PopupMenu.h"
-#include "shell/TabSlot.h"
-#include "shell/TabStrip.h"
+#include "shell/chrome/PopupMenu.h"
+#include "shell/chrome/TabSlot.h"
+#include "shell/chrome/TabStrip.h"
 
 #include <algorithm>
 

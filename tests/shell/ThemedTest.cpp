@@ -2,7 +2,7 @@
 
 #include "core/NotificationCenter.h"
 #include "core/Theme.h"
-#include "shell/Themed.h"
+#include "shell/chrome/Themed.h"
 
 #include <thread>
 

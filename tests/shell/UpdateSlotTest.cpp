@@ -1,6 +1,6 @@
 #include "WidgetTestSupport.h"
 
-#include "shell/UpdateSlot.h"
+#include "shell/chrome/UpdateSlot.h"
 
 #include <chrono>
 

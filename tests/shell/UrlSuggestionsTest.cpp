@@ -2,7 +2,7 @@
 
 #include "core/Date.h"
 #include "core/HistoryStore.h"
-#include "shell/UrlSuggestions.h"
+#include "shell/overlays/UrlSuggestions.h"
 
 namespace velder::test {
 namespace {

@@ -1,0 +1,457 @@
+#include "shell/tab/BrowserTab.h"
+
+#include "bridge/VLDBrowserView.h"
+#include "bridge/VLDPermissionRequest.h"
+#include "core/ErrorPage.h"
+#include "core/FaviconFetcher.h"
+#include "core/Format.h"
+#include "core/HistoryStore.h"
+#include "core/InternalRoute.h"
+#include "core/LocationSettings.h"
+#include "core/Log.h"
+#include "core/Shortcuts.h"
+#include "core/UrlHelper.h"
+#include "core/Vault.h"
+#include "glib/GCharPtr.h"
+#include "glib/MainLoop.h"
+#include "shell/desktop/Downloads.h"
+#include "shell/desktop/PlatformLocation.h"
+#include "shell/tab/PrivateSession.h"
+#include "shell/tab/TabHost.h"
+
+#include <gtk/gtk.h>
+
+namespace velder {
+
+namespace {
+
+BrowserTab::ViewFactory customFactory;
+
+std::shared_ptr<VLDBrowserView> makeView(
+    const std::string& url, std::shared_ptr<VLDRequestContext> context, bool popupHost)
+{
+    if (customFactory) {
+        return customFactory(url, std::move(context), popupHost);
+    }
+    return popupHost ? VLDBrowserView::popupHostView() : VLDBrowserView::create(url, std::move(context));
+}
+
+// Icon fetches ride the page's own network session, cookies included.
+class ViewIconSource : public IconSource {
+public:
+    explicit ViewIconSource(std::weak_ptr<VLDBrowserView> view)
+        : m_view(std::move(view))
+    {
+    }
+    void fetchIcon(const std::string& url, std::uint64_t maxBytes,
+        std::function<void(std::optional<std::vector<std::uint8_t>>)> completion) override
+    {
+        if (auto view = m_view.lock()) {
+            view->fetchIconAtURL(url, maxBytes, std::move(completion));
+        } else {
+            MainLoop::post([completion = std::move(completion)] { completion(std::nullopt); });
+        }
+    }
+
+private:
+    std::weak_ptr<VLDBrowserView> m_view;
+};
+
+bool locationEnabled()
+{
+    return Vault::shared().snapshot()->settings.locationEnabled;
+}
+
+} // namespace
+
+void BrowserTab::setViewFactory(ViewFactory factory)
+{
+    customFactory = std::move(factory);
+}
+
+std::shared_ptr<BrowserTab> BrowserTab::create(const std::string& url, bool isPrivate)
+{
+    return make(url, isPrivate, false);
+}
+
+std::shared_ptr<BrowserTab> BrowserTab::createPopupHost(bool isPrivate)
+{
+    return make("", isPrivate, true);
+}
+
+std::shared_ptr<BrowserTab> BrowserTab::make(const std::string& url, bool isPrivate, bool popupHost)
+{
+    // Every private tab holds exactly one reference to the private session, popup hosts included.
+    auto context = isPrivate ? PrivateSession::acquire() : nullptr;
+    std::shared_ptr<BrowserTab> tab(new BrowserTab(makeView(url, context, popupHost), url, isPrivate));
+    tab->m_view->setDelegate(tab);
+    return tab;
+}
+
+BrowserTab::BrowserTab(std::shared_ptr<VLDBrowserView> view, std::string initialURL, bool isPrivate)
+    : url(std::move(initialURL))
+    , m_view(std::move(view))
+    , m_isPrivate(isPrivate)
+{
+}
+
+BrowserTab::~BrowserTab()
+{
+    if (m_sessionAnswer && !m_isPrivate) {
+        mirror(m_sessionAnswer->origin);
+    }
+    if (m_isPrivate) {
+        PrivateSession::release();
+    }
+}
+
+void BrowserTab::changed()
+{
+    if (auto host = m_host.lock()) {
+        host->tabDidChange(*this);
+    }
+}
+
+// MARK: - What the view reports
+
+void BrowserTab::didChangeFaviconURLs(VLDBrowserView&, const std::vector<std::string>& urls)
+{
+    if (!m_isPrivate) {
+        ViewIconSource source(m_view);
+        FaviconFetcher::fetch(source, url, urls);
+    }
+}
+
+void BrowserTab::didChangeLoadingState(VLDBrowserView&, bool loading, bool back, bool forward)
+{
+    isLoading = loading;
+    canGoBack = back;
+    canGoForward = forward;
+    changed();
+}
+
+void BrowserTab::didRefuseCertificate(VLDBrowserView&, const std::string& certificateURL, std::int32_t code)
+{
+    log(format("Velder: refused certificate (%d) for %s", code, certificateURL.c_str()));
+}
+
+void BrowserTab::didTerminateRenderProcess(VLDBrowserView&, std::int64_t status)
+{
+    log(format("Velder: render process terminated (status %ld)", static_cast<long>(status)));
+    showError(url, "The page crashed (status " + std::to_string(status) + ").");
+}
+
+std::shared_ptr<VLDBrowserView> BrowserTab::hostViewForPopup(VLDBrowserView&, const std::string& popupURL, bool)
+{
+    // The bridge has already refused velder:// popups of ordinary pages.
+    auto host = m_host.lock();
+    return host ? host->tabWantsPopupHost(*this, popupURL) : nullptr;
+}
+
+void BrowserTab::didFindMatchCount(VLDBrowserView&, std::int32_t count, std::int32_t active, bool)
+{
+    findMatchCount = count;
+    findActiveMatch = active;
+    if (auto host = m_host.lock()) {
+        host->tabDidFindMatches(*this);
+    }
+}
+
+bool BrowserTab::shouldHandleKey(VLDBrowserView&, std::int32_t code, std::uint32_t modifiers)
+{
+    return handleEngineKey(code, modifiers);
+}
+
+bool BrowserTab::openURLInNewTab(VLDBrowserView&, const std::string& target, bool foreground)
+{
+    // The bridge has already refused velder:// addresses from ordinary pages.
+    auto host = m_host.lock();
+    return host && host->tabOpensInNewTab(*this, target, foreground);
+}
+
+bool BrowserTab::shouldShowContextMenu(VLDBrowserView&, const VLDContextMenuInfo& info)
+{
+    auto host = m_host.lock();
+    return !host || host->tabWantsContextMenu(*this, info);
+}
+
+bool BrowserTab::shouldHandlePermissionRequest(VLDBrowserView&, std::shared_ptr<VLDPermissionRequest> request)
+{
+    return handleLocationRequest(std::move(request));
+}
+
+void BrowserTab::didWithdrawPermissionRequest(VLDBrowserView&, std::shared_ptr<VLDPermissionRequest> request)
+{
+    if (pendingLocationRequest == request) {
+        pendingLocationRequest.reset();
+        if (auto host = m_host.lock()) {
+            host->tabLocationRequestDidChange(*this);
+        }
+    }
+}
+
+bool BrowserTab::decideDestinationForDownload(
+    VLDBrowserView& view, const VLDDownloadItem& item, std::shared_ptr<VLDDownloadCallback> callback)
+{
+    // The question goes over the view's window.
+    GtkRoot* root = view.widget() ? gtk_widget_get_root(view.widget()) : nullptr;
+    Downloads::decideDestination(item, GTK_IS_WINDOW(root) ? GTK_WINDOW(root) : nullptr, std::move(callback));
+    return true;
+}
+
+void BrowserTab::didUpdateDownload(VLDBrowserView&, const VLDDownloadItem& item)
+{
+    Downloads::update(item);
+}
+
+void BrowserTab::shouldTearDownForClose(VLDBrowserView&)
+{
+    if (auto host = m_host.lock()) {
+        host->tabWillTearDown(*this);
+    }
+}
+
+void BrowserTab::willDestroyBrowser(VLDBrowserView&)
+{
+    // Never from inside the engine's own teardown: the window removes the view once it has unwound.
+    MainLoop::post([tab = shared_from_this()] {
+        if (auto host = tab->m_host.lock()) {
+            host->tabBrowserDidClose(*tab);
+        }
+    });
+}
+
+void BrowserTab::didChangeAddress(VLDBrowserView&, const std::string& newURL)
+{
+    if (newURL.starts_with("data:")) {
+        return; // an error page keeps the failed address
+    }
+    errorURL.reset();
+    if (newURL == url) {
+        LocationSettings::shared().pushMirror(newURL, m_isPrivate);
+    } else {
+        title.clear();
+        url = newURL;
+        if (!m_isPrivate && !InternalRoutes::parse(newURL)) {
+            HistoryStore::shared().record(newURL, "", now());
+        }
+        LocationSettings::shared().pushMirror(newURL, m_isPrivate);
+        if (!m_sessionAnswer || m_sessionAnswer->origin != UrlHelper::origin(newURL)) {
+            setSessionAnswer(std::nullopt);
+        }
+    }
+    changed();
+}
+
+void BrowserTab::didChangeTitle(VLDBrowserView&, const std::string& newTitle)
+{
+    title = newTitle;
+    if (!m_isPrivate) {
+        HistoryStore::shared().updateTitle(newTitle, url);
+    }
+    changed();
+}
+
+void BrowserTab::didFailLoad(VLDBrowserView&, std::int32_t code, const std::string& text, const std::string& failedURL)
+{
+    log(format("Velder: load failed (%d %s) for %s", code, text.c_str(), failedURL.c_str()));
+    if (code == -3) {
+        return;
+    }
+    showError(failedURL, ErrorPage::describe(code, text));
+}
+
+void BrowserTab::showError(const std::string& failedURL, const std::string& reason)
+{
+    std::string address = failedURL.empty() ? url : failedURL;
+    errorURL = address;
+    url = address;
+    title = "Cannot open page";
+    std::string page = ErrorPage::render(address, reason);
+    GCharPtr encoded(g_base64_encode(reinterpret_cast<const guchar*>(page.data()), page.size()));
+    m_view->loadURL(std::string("data:text/html;charset=utf-8;base64,") + encoded.get());
+    changed();
+}
+
+std::string BrowserTab::displayTitle() const
+{
+    if (!title.empty()) {
+        return title;
+    }
+    if (std::string host = UrlHelper::host(url); !host.empty()) {
+        return host;
+    }
+    if (UrlHelper::isBlank(url)) {
+        return "New Tab";
+    }
+    return url;
+}
+
+void BrowserTab::find(const std::string& text, bool forward, bool findNext)
+{
+    if (!text.empty()) {
+        m_view->findText(text, forward, false, findNext);
+        return;
+    }
+    findMatchCount = 0;
+    findActiveMatch = 0;
+    m_view->stopFindingAndClearSelection(true);
+    if (auto host = m_host.lock()) {
+        host->tabDidFindMatches(*this);
+    }
+}
+
+bool BrowserTab::handleEngineKey(std::int32_t windowsKeyCode, std::uint32_t modifiers)
+{
+    auto action = Shortcuts::actionForWindowsKeyCode(windowsKeyCode, modifiers);
+    auto host = m_host.lock();
+    return action && host && host->tabDidPressKey(*this, *action);
+}
+
+// MARK: - Location
+
+void BrowserTab::mirror(const std::string& origin)
+{
+    if (!m_isPrivate) {
+        LocationSettings::shared().mirrorEffective(origin);
+    }
+}
+
+void BrowserTab::setSessionAnswer(std::optional<SessionAnswer> answer)
+{
+    std::optional<SessionAnswer> old = std::move(m_sessionAnswer);
+    m_sessionAnswer = std::move(answer);
+    if (old && (!m_sessionAnswer || m_sessionAnswer->origin != old->origin) && !m_isPrivate) {
+        mirror(old->origin);
+    }
+}
+
+bool BrowserTab::handleLocationRequest(std::shared_ptr<VLDPermissionRequest> request)
+{
+    if (request->kind() != VLDPermissionRequest::Kind::geolocation) {
+        return false;
+    }
+    std::optional<std::string> origin = UrlHelper::origin(request->origin());
+    if (!origin) {
+        origin = UrlHelper::origin(url);
+    }
+    if (!origin) {
+        return false;
+    }
+    if (!locationEnabled()) {
+        request->deny();
+        mirror(*origin);
+        return true;
+    }
+    LocationAnswer answer;
+    if (m_sessionAnswer && m_sessionAnswer->origin == *origin) {
+        answer = m_sessionAnswer->answer;
+    } else if (m_isPrivate) {
+        answer = LocationAnswer::ask;
+    } else {
+        answer = LocationSettings::shared().effective(*origin);
+    }
+    switch (answer) {
+    case LocationAnswer::block:
+        request->deny();
+        return true;
+    case LocationAnswer::allow:
+        PlatformLocation::ensureAuthorization();
+        request->allow();
+        changed();
+        return true;
+    case LocationAnswer::ask:
+        break;
+    }
+    PlatformLocation::ensureAuthorization();
+    if (auto older = std::move(pendingLocationRequest)) {
+        older->deny();
+        if (auto olderOrigin = UrlHelper::origin(older->origin())) {
+            mirror(*olderOrigin);
+        }
+    }
+    pendingLocationRequest = std::move(request);
+    if (auto host = m_host.lock()) {
+        host->tabLocationRequestDidChange(*this);
+    }
+    return true;
+}
+
+void BrowserTab::resolveLocation(LocationChoice choice)
+{
+    std::shared_ptr<VLDPermissionRequest> request = std::move(pendingLocationRequest);
+    pendingLocationRequest.reset();
+    std::optional<std::string> origin = request ? UrlHelper::origin(request->origin()) : std::nullopt;
+    if (!origin) {
+        origin = UrlHelper::origin(url);
+    }
+    if (!origin) {
+        if (request) {
+            request->deny();
+        }
+        if (auto host = m_host.lock()) {
+            host->tabLocationRequestDidChange(*this);
+        }
+        return;
+    }
+    switch (choice) {
+    case LocationChoice::allowOnce:
+    case LocationChoice::alwaysAllow:
+        PlatformLocation::ensureAuthorization();
+        if (request) {
+            request->allow();
+        }
+        setSessionAnswer(SessionAnswer { *origin, LocationAnswer::allow });
+        if (choice == LocationChoice::alwaysAllow) {
+            LocationSettings::shared().store(LocationAnswer::allow, *origin, m_isPrivate);
+        }
+        break;
+    case LocationChoice::never:
+        if (request) {
+            request->deny();
+        }
+        setSessionAnswer(SessionAnswer { *origin, LocationAnswer::block });
+        LocationSettings::shared().store(LocationAnswer::block, *origin, m_isPrivate);
+        break;
+    }
+    if (auto host = m_host.lock()) {
+        host->tabLocationRequestDidChange(*this);
+    }
+    changed();
+}
+
+void BrowserTab::refuseParkedLocationRequest()
+{
+    std::shared_ptr<VLDPermissionRequest> request = std::move(pendingLocationRequest);
+    pendingLocationRequest.reset();
+    if (!request) {
+        return;
+    }
+    request->deny();
+    if (auto origin = UrlHelper::origin(request->origin())) {
+        mirror(*origin);
+    }
+    if (auto host = m_host.lock()) {
+        host->tabLocationRequestDidChange(*this);
+    }
+}
+
+bool BrowserTab::isLocationLit() const
+{
+    if (!locationEnabled()) {
+        return false;
+    }
+    auto origin = UrlHelper::origin(url);
+    if (!origin) {
+        return false;
+    }
+    if (m_sessionAnswer && m_sessionAnswer->origin == *origin) {
+        return m_sessionAnswer->answer == LocationAnswer::allow;
+    }
+    if (m_isPrivate) {
+        return false;
+    }
+    return LocationSettings::shared().effective(*origin) == LocationAnswer::allow;
+}
+
+} // namespace velder
