@@ -60,6 +60,8 @@ public:
     virtual void didCreatePopup(VLDBrowserView& /*opener*/, VLDBrowserView& /*popup*/) { }
     // The page agreed to close (its unload handlers ran): the host view will be torn down next.
     virtual void shouldTearDownForClose(VLDBrowserView&) { }
+    // The page asked to stay when it was asked to close: it keeps its browser.
+    virtual void didKeepPageOnClose(VLDBrowserView&) { }
     // The last word on a browser: after it, hasBrowser() is false and commands do nothing.
     virtual void willDestroyBrowser(VLDBrowserView&) { }
 

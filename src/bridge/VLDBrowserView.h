@@ -2,6 +2,7 @@
 
 #include "bridge/VLDBrowserDelegate.h"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -73,9 +74,14 @@ public:
     virtual void fetchIconAtURL(const std::string& url, std::uint64_t maxBytes,
         std::function<void(std::optional<std::vector<std::uint8_t>>)> completion)
         = 0;
-    // Asks the page to close: its unload handlers run, and a page that refuses keeps its view. The delegate
-    // hears shouldTearDownForClose, then willDestroyBrowser.
+    // Asks the page to close: its unload handlers run, and a page that refuses keeps its view (the delegate
+    // hears didKeepPageOnClose). Otherwise the delegate hears shouldTearDownForClose, then willDestroyBrowser;
+    // a page that doesn't answer within the close time limit is closed all the same.
     virtual void requestClose() = 0;
+
+    // How long a page may take to answer a close: 5 seconds, or what a test sets.
+    static std::chrono::milliseconds closeTimeLimit();
+    static void setCloseTimeLimit(std::chrono::milliseconds limit);
 };
 
 } // namespace velder

@@ -21,7 +21,7 @@ namespace {
 std::uint64_t nextViewIdentifier = 1;
 
 // A page that never answers a close request is closed anyway after this long.
-constexpr guint closeTimeoutSeconds = 5;
+std::chrono::milliseconds closeLimit = std::chrono::seconds(5);
 
 // Keys typed quickly are all offered before the first comes round again unhandled.
 constexpr size_t rememberedKeyEvents = 16;
@@ -374,8 +374,8 @@ void VLDBrowserViewImpl::requestClose()
     }
     m_closeRequested = true;
     if (!m_closeTimeout) {
-        m_closeTimeout = g_timeout_add_seconds(
-            closeTimeoutSeconds,
+        m_closeTimeout = g_timeout_add(
+            static_cast<guint>(closeLimit.count()),
             [](gpointer data) -> gboolean {
                 if (auto view = VLDClient::viewForIdentifier(GPOINTER_TO_SIZE(data))) {
                     view->m_closeTimeout = 0;
@@ -387,6 +387,16 @@ void VLDBrowserViewImpl::requestClose()
     }
     // The page's unload handlers run; it may refuse, and then no close follows.
     webkit_web_view_try_close(asWebView(m_webView.get()));
+}
+
+std::chrono::milliseconds VLDBrowserView::closeTimeLimit()
+{
+    return closeLimit;
+}
+
+void VLDBrowserView::setCloseTimeLimit(std::chrono::milliseconds limit)
+{
+    closeLimit = limit;
 }
 
 void VLDBrowserViewImpl::cancelCloseTimeout()

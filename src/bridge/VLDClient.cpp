@@ -307,6 +307,9 @@ gboolean onScriptDialog(WebKitWebView*, WebKitScriptDialog* dialog, gpointer dat
     if (view && view->answerBeforeUnload()) {
         // The page asked to stay while its tab was being closed: it stays.
         webkit_script_dialog_confirm_set_confirmed(dialog, FALSE);
+        if (auto delegate = view->delegate()) {
+            delegate->didKeepPageOnClose(*view);
+        }
         return TRUE;
     }
     return FALSE;

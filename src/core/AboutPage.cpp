@@ -1,5 +1,6 @@
 #include "core/AboutPage.h"
 
+#include "core/ActionTable.h"
 #include "core/AppInfo.h"
 #include "core/Html.h"
 #include "core/InternalPages.h"
@@ -13,62 +14,11 @@ namespace velder::AboutPage {
 
 std::string_view label(BrowserAction action)
 {
-    using Kind = BrowserAction::Kind;
-    switch (action.kind) {
-    case Kind::selectTab:
+    if (action.kind == BrowserAction::Kind::selectTab) {
         return "Select tab by position";
-    case Kind::newTab:
-        return "New tab";
-    case Kind::closeTab:
-        return "Close tab";
-    case Kind::closeWindow:
-        return "Close window";
-    case Kind::reopenClosedTab:
-        return "Reopen closed tab";
-    case Kind::nextTab:
-        return "Next tab";
-    case Kind::prevTab:
-        return "Previous tab";
-    case Kind::selectLastTab:
-        return "Select last tab";
-    case Kind::newWindow:
-        return "New window";
-    case Kind::newPrivateWindow:
-        return "New private window";
-    case Kind::focusAddressBar:
-        return "Focus address bar";
-    case Kind::find:
-        return "Find on page";
-    case Kind::findNext:
-        return "Find next";
-    case Kind::findPrev:
-        return "Find previous";
-    case Kind::reload:
-        return "Reload";
-    case Kind::hardReload:
-        return "Reload, ignoring cache";
-    case Kind::stop:
-        return "Stop";
-    case Kind::back:
-        return "Back";
-    case Kind::forward:
-        return "Forward";
-    case Kind::home:
-        return "Home";
-    case Kind::zoomIn:
-        return "Zoom in";
-    case Kind::zoomOut:
-        return "Zoom out";
-    case Kind::zoomReset:
-        return "Actual size";
-    case Kind::devTools:
-        return "Developer tools";
-    case Kind::history:
-        return "History";
-    case Kind::settings:
-        return "Settings";
     }
-    return {};
+    const ActionRow* row = ActionTable::forAction(action);
+    return row ? row->description : std::string_view();
 }
 
 std::string keyGlyph(std::string_view key)

@@ -15,6 +15,7 @@ struct ActionRow {
     std::string_view name; // in the window's action group: "newTab", "quit"
     std::string_view label; // in the menu bar: "New Tab", "Quit Velder"
     std::optional<BrowserAction> action; // a browser command: its keys are the key table's
+    std::string_view description = {}; // a browser command's line in the about page's key list
     // The window's own commands carry their key here, in the key table's terms (KeyModifier flags).
     std::string_view key;
     std::uint32_t modifiers = 0;

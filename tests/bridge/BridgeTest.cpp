@@ -100,7 +100,7 @@ std::shared_ptr<VLDBrowserView> BridgeTest::openView(const std::string& url,
 bool BridgeTest::loadAndWait(VLDBrowserView& view, RecordingDelegate& delegate, const std::string& url)
 {
     view.loadURL(url);
-    return waitFor([&] { return delegate.isIdleAt(url); });
+    return runMainLoopUntil([&] { return delegate.isIdleAt(url); });
 }
 
 WebKitWebView* BridgeTest::webViewOf(VLDBrowserView& view)

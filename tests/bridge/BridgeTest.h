@@ -69,7 +69,7 @@ public:
     std::vector<VLDDownloadItem> downloadQuestions;
     std::vector<VLDDownloadItem> downloadUpdates;
     std::vector<std::shared_ptr<VLDDownloadCallback>> downloadCallbacks;
-    // Life-span events in order: "created", "popup:<url>", "tearDown", "destroy".
+    // Life-span events in order: "created", "popup:<url>", "stayed", "tearDown", "destroy".
     std::vector<std::string> events;
 
     // Answers, for the operations that have one.
@@ -99,6 +99,7 @@ public:
     {
         failures.push_back({ code, text, url });
     }
+    void didKeepPageOnClose(VLDBrowserView&) override { events.push_back("stayed"); }
     void didCreateBrowser(VLDBrowserView& view) override
     {
         events.push_back("created");
@@ -211,11 +212,6 @@ protected:
     // A real click (see RealInput) at the middle of the first element the selector finds.
     bool clickElement(VLDBrowserView& view, const std::string& selector, unsigned button = 1,
         std::initializer_list<unsigned> modifiers = {});
-
-    bool waitFor(const std::function<bool()>& condition, std::chrono::milliseconds timeout = 10s)
-    {
-        return runMainLoopUntil(condition, timeout);
-    }
 
     std::unique_ptr<TestProfile> m_profile;
     // GLib reads the user's folders (the download folder among them) from here.

@@ -44,7 +44,8 @@ TEST_F(BrowserViewTest, BrowserIsCreatedOncePlacedInAWindowWithWhatWasGivenBefor
     WebKitWebView* first = webViewOf(*view);
     EXPECT_NEAR(webkit_web_view_get_zoom_level(first), std::pow(1.2, 2.0), 1e-9);
 
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/second")) && view->pageTitle() == "Second"; }));
+    ASSERT_TRUE(runMainLoopUntil(
+        [&] { return delegate->isIdleAt(m_server->url("/second")) && view->pageTitle() == "Second"; }));
     EXPECT_FALSE(m_server->received("/first"));
     EXPECT_EQ(view->currentURL(), m_server->url("/second"));
     EXPECT_EQ(view->pageTitle(), "Second");
@@ -82,24 +83,25 @@ TEST_F(BrowserViewTest, ReportsAddressTitleAndLoadingState)
     auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView(m_server->url("/one"), delegate);
 
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/one")) && view->pageTitle() == "Page one"; }));
+    ASSERT_TRUE(
+        runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/one")) && view->pageTitle() == "Page one"; }));
     EXPECT_TRUE(std::any_of(delegate->loadingStates.begin(), delegate->loadingStates.end(),
         [](const auto& state) { return state.isLoading; }));
     EXPECT_FALSE(view->canGoBack());
     EXPECT_EQ(delegate->titles.back(), "Page one");
 
     ASSERT_TRUE(loadAndWait(*view, *delegate, m_server->url("/two")));
-    ASSERT_TRUE(waitFor([&] { return view->canGoBack() && view->pageTitle() == "Page two"; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return view->canGoBack() && view->pageTitle() == "Page two"; }));
     EXPECT_FALSE(view->canGoForward());
     EXPECT_EQ(view->currentURL(), m_server->url("/two"));
 
     view->goBack();
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/one")) && view->canGoForward(); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/one")) && view->canGoForward(); }));
     EXPECT_EQ(delegate->titles.back(), "Page one");
 
     // A change within the document moves the address with no load.
     evaluate(*view, "history.pushState({}, '', '/one/moved'); 1");
-    ASSERT_TRUE(waitFor([&] { return view->currentURL() == m_server->url("/one/moved"); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return view->currentURL() == m_server->url("/one/moved"); }));
     EXPECT_TRUE(delegate->failures.empty());
 }
 
@@ -110,13 +112,13 @@ TEST_F(BrowserViewTest, ClearCookiesAndCache)
     m_server->route("/check", TestResponse::html(page("Check")));
     auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView(m_server->url("/set"), delegate);
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/set")); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/set")); }));
     ASSERT_TRUE(loadAndWait(*view, *delegate, m_server->url("/check")));
     EXPECT_EQ(m_server->requests().back().header("cookie"), "k=v");
 
     view->clearCookiesAndCache();
     // The engine clears in the background: ask again until the cookie is gone, or time runs out.
-    EXPECT_TRUE(waitFor(
+    EXPECT_TRUE(runMainLoopUntil(
         [&] {
             size_t before = m_server->requests().size();
             view->reloadIgnoringCache();

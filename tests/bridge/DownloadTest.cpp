@@ -29,7 +29,7 @@ protected:
         m_server->route("/file.bin", attachment("report:1.bin"));
         m_delegate = std::make_shared<RecordingDelegate>();
         m_view = openView(m_server->url("/start"), m_delegate);
-        ASSERT_TRUE(waitFor([&] { return m_delegate->isIdleAt(m_server->url("/start")); }));
+        ASSERT_TRUE(runMainLoopUntil([&] { return m_delegate->isIdleAt(m_server->url("/start")); }));
     }
 
     bool finished() const
@@ -49,7 +49,7 @@ TEST_F(DownloadTest, TheOwnerChoosesTheDestination)
 {
     std::string path = m_profile->root().file("chosen.bin");
     m_view->loadURL(m_server->url("/file.bin"));
-    ASSERT_TRUE(waitFor([&] { return m_delegate->downloadCallbacks.size() == 1; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return m_delegate->downloadCallbacks.size() == 1; }));
     const VLDDownloadItem& question = m_delegate->downloadQuestions[0];
     EXPECT_EQ(question.url, m_server->url("/file.bin"));
     EXPECT_EQ(question.suggestedFilename, "report_1.bin");
@@ -64,7 +64,7 @@ TEST_F(DownloadTest, TheOwnerChoosesTheDestination)
     m_delegate->downloadCallbacks[0]->continueWithPath(path);
     m_delegate->downloadCallbacks[0]->cancel();
     EXPECT_FALSE(m_delegate->downloadCallbacks[0]->wasCancelled());
-    ASSERT_TRUE(waitFor([&] { return finished(); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return finished(); }));
     const VLDDownloadItem& last = m_delegate->downloadUpdates.back();
     EXPECT_TRUE(last.isComplete);
     EXPECT_FALSE(last.isCanceled);
@@ -87,7 +87,7 @@ TEST_F(DownloadTest, ACancelStopsIt)
         return true;
     };
     m_view->startDownload(m_server->url("/file.bin"));
-    ASSERT_TRUE(waitFor([&] { return finished(); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return finished(); }));
     EXPECT_EQ(m_delegate->downloadQuestions.size(), 1u);
     EXPECT_TRUE(m_delegate->downloadUpdates.back().isCanceled);
     EXPECT_FALSE(m_delegate->downloadUpdates.back().isComplete);
@@ -119,7 +119,7 @@ TEST_F(DownloadTest, TheDefaultPathIsUnique)
             = [&](const VLDDownloadItem&, std::shared_ptr<VLDDownloadCallback>) { return row.keepsCallback; };
         LogCapture log;
         m_view->startDownload(m_server->url("/file.bin"));
-        ASSERT_TRUE(waitFor([&] { return finished(); }));
+        ASSERT_TRUE(runMainLoopUntil([&] { return finished(); }));
         EXPECT_TRUE(m_delegate->downloadUpdates.back().isComplete);
         EXPECT_EQ(m_delegate->downloadUpdates.back().fullPath, downloads() + "/" + row.expectedFile);
         EXPECT_EQ(readBytes(downloads() + "/" + row.expectedFile).size(), 1000u);

@@ -52,7 +52,7 @@ TEST_F(IconFetchTest, FetchesThroughThePagesSession)
     m_server->route("/empty.png", TestResponse { 200, "image/png", "" });
     auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView(m_server->url("/page"), delegate);
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/page")); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/page")); }));
 
     struct Row {
         const char* name;
@@ -71,7 +71,7 @@ TEST_F(IconFetchTest, FetchesThroughThePagesSession)
         auto outcome = std::make_shared<Outcome>();
         view->fetchIconAtURL(m_server->url(row.path), limit, recorder(outcome));
         EXPECT_EQ(outcome->completions, 0);
-        ASSERT_TRUE(waitFor([&] { return outcome->completions > 0; }));
+        ASSERT_TRUE(runMainLoopUntil([&] { return outcome->completions > 0; }));
         runMainLoopFor(100ms);
         EXPECT_EQ(outcome->completions, 1);
         EXPECT_TRUE(outcome->onMainThread);
@@ -95,7 +95,7 @@ TEST_F(IconFetchTest, AViewWithoutABrowserCompletesWithNothing)
     auto outcome = std::make_shared<Outcome>();
     view->fetchIconAtURL(m_server->url("/icon.png"), 65536, recorder(outcome));
     EXPECT_EQ(outcome->completions, 0);
-    ASSERT_TRUE(waitFor([&] { return outcome->completions > 0; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return outcome->completions > 0; }));
     EXPECT_EQ(outcome->completions, 1);
     EXPECT_FALSE(outcome->bytes.has_value());
     EXPECT_TRUE(m_server->requests().empty());

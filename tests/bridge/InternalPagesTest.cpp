@@ -81,7 +81,8 @@ TEST_F(InternalPagesTest, PagesAndTheirHeaders)
 {
     auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView("velder://test/", delegate);
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt("velder://test/") && view->pageTitle() == "Internal"; }));
+    ASSERT_TRUE(
+        runMainLoopUntil([&] { return delegate->isIdleAt("velder://test/") && view->pageTitle() == "Internal"; }));
     ASSERT_EQ(m_calls.size(), 1u);
     EXPECT_EQ(m_calls[0].view, view.get());
 
@@ -116,10 +117,11 @@ TEST_F(InternalPagesTest, RedirectsAreFollowedWithoutCommittingTheAction)
 {
     auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView("velder://test/", delegate);
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt("velder://test/"); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt("velder://test/"); }));
 
     view->loadURL("velder://test/act?clear=1");
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt("velder://test/done") && view->pageTitle() == "Done"; }));
+    ASSERT_TRUE(
+        runMainLoopUntil([&] { return delegate->isIdleAt("velder://test/done") && view->pageTitle() == "Done"; }));
     EXPECT_EQ(callsOf("velder://test/act"), 1);
     EXPECT_TRUE(delegate->failures.empty());
     EXPECT_FALSE(delegate->sawAddress("velder://test/act?clear=1"));
@@ -129,21 +131,22 @@ TEST_F(InternalPagesTest, RedirectsAreFollowedWithoutCommittingTheAction)
 
     size_t callsBefore = m_calls.size();
     view->reload();
-    ASSERT_TRUE(waitFor([&] { return m_calls.size() > callsBefore && !view->isLoading(); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return m_calls.size() > callsBefore && !view->isLoading(); }));
     EXPECT_EQ(m_calls.back().url, "velder://test/done");
     EXPECT_EQ(callsOf("velder://test/act"), 1);
 
     // Links between internal pages work.
     view->goBack();
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt("velder://test/") && view->pageTitle() == "Internal"; }));
+    ASSERT_TRUE(
+        runMainLoopUntil([&] { return delegate->isIdleAt("velder://test/") && view->pageTitle() == "Internal"; }));
     if (RealInput::available()) {
         // A new tab for a velder:// link is the owner's to decide, like any other.
         ASSERT_TRUE(clickElement(*view, "#next", 2));
-        ASSERT_TRUE(waitFor([&] { return !delegate->newTabs.empty(); }));
+        ASSERT_TRUE(runMainLoopUntil([&] { return !delegate->newTabs.empty(); }));
         EXPECT_EQ(delegate->newTabs[0].url, "velder://test/second");
         EXPECT_FALSE(delegate->newTabs[0].foreground);
         ASSERT_TRUE(clickElement(*view, "#next"));
-        EXPECT_TRUE(waitFor([&] { return delegate->isIdleAt("velder://test/second"); }));
+        EXPECT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt("velder://test/second"); }));
     }
 }
 
@@ -174,7 +177,7 @@ TEST_F(InternalPagesTest, WebPagesNeverReachVelderPages)
     };
     LogCapture log;
     auto view = openView(m_server->url("/attempts"), delegate);
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/attempts")); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/attempts")); }));
 
     const std::string refusal = "Velder: refused velder:// address from web content: " + action;
     if (RealInput::available()) {
@@ -184,7 +187,7 @@ TEST_F(InternalPagesTest, WebPagesNeverReachVelderPages)
             runMainLoopFor(300ms);
         }
         // The engine asks for the popup's window; the bridge refuses it before the owner hears of it.
-        ASSERT_TRUE(waitFor([&] { return !log.lines().empty(); }));
+        ASSERT_TRUE(runMainLoopUntil([&] { return !log.lines().empty(); }));
         EXPECT_EQ(log.lines(), std::vector<std::string> { refusal });
         EXPECT_FALSE(delegate->hasEvent("popup:" + action));
         // A new-tab click, left to the engine by the owner.
@@ -194,13 +197,13 @@ TEST_F(InternalPagesTest, WebPagesNeverReachVelderPages)
     for (const char* path : { "/script", "/refresh", "/redirect" }) {
         SCOPED_TRACE(path);
         view->loadURL(m_server->url(path));
-        ASSERT_TRUE(waitFor([&] { return m_server->received(path) && !view->isLoading(); }));
+        ASSERT_TRUE(runMainLoopUntil([&] { return m_server->received(path) && !view->isLoading(); }));
         runMainLoopFor(500ms);
     }
     // As a drop does: a load of the engine's own, from a page of the web.
     webkit_web_view_load_uri(webViewOf(*view), action.c_str());
     log.clear();
-    ASSERT_TRUE(waitFor([&] { return log.contains(refusal); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return log.contains(refusal); }));
     runMainLoopFor(300ms);
 
     EXPECT_EQ(callsOf("velder://"), 0);

@@ -21,8 +21,8 @@ TEST_F(KeyHookTest, KeysReachTheOwnerBeforeThePage)
     delegate->handlesKey
         = [](std::int32_t code, std::uint32_t modifiers) { return code == 84 && modifiers == KeyModifier::command; };
     auto view = openView(m_server->url("/keys"), delegate);
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/keys")); }));
-    ASSERT_TRUE(waitFor([&] { return gtk_widget_get_mapped(view->widget()); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/keys")); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return gtk_widget_get_mapped(view->widget()); }));
     view->setBrowserFocus(true);
     runMainLoopFor(100ms);
 
@@ -32,12 +32,12 @@ TEST_F(KeyHookTest, KeysReachTheOwnerBeforeThePage)
     };
 
     RealInput::pressKey(view->widget(), GDK_KEY_t, { GDK_KEY_Control_L });
-    ASSERT_TRUE(waitFor([&] { return countOf(84, KeyModifier::command) > 0; }, 5s));
+    ASSERT_TRUE(runMainLoopUntil([&] { return countOf(84, KeyModifier::command) > 0; }, 5s));
 
     RealInput::pressKey(view->widget(), GDK_KEY_a);
     ASSERT_TRUE(waitForScriptValue(*view, "seen.includes('a')", "true"));
     RealInput::pressKey(view->widget(), GDK_KEY_equal, { GDK_KEY_Shift_L });
-    ASSERT_TRUE(waitFor([&] { return countOf(187, KeyModifier::shift) > 0; }, 5s));
+    ASSERT_TRUE(runMainLoopUntil([&] { return countOf(187, KeyModifier::shift) > 0; }, 5s));
     ASSERT_TRUE(waitForScriptValue(*view, "seen.includes('+')", "true"));
 
     EXPECT_EQ(countOf(84, KeyModifier::command), 1);

@@ -45,11 +45,11 @@ TEST_F(LifeSpanTest, PopupsBecomeHostViewsTheOwnerSupplies)
     auto delegate = std::make_shared<RecordingDelegate>();
     auto popupDelegate = std::make_shared<RecordingDelegate>();
     auto view = openView(m_server->url("/opener"), delegate);
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/opener")); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/opener")); }));
 
     // The owner refuses the first: nothing is loaded.
     ASSERT_TRUE(clickElement(*view, "#open"));
-    ASSERT_TRUE(waitFor([&] { return delegate->hasEvent("popup:" + m_server->url("/refused")); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->hasEvent("popup:" + m_server->url("/refused")); }));
     runMainLoopFor(200ms);
     EXPECT_FALSE(m_server->received("/refused"));
     EXPECT_FALSE(delegate->hasEvent("popup:" + m_server->url("/unasked"))) << "no popup without a gesture";
@@ -63,8 +63,8 @@ TEST_F(LifeSpanTest, PopupsBecomeHostViewsTheOwnerSupplies)
     };
     evaluate(*view, "window.target = '/popup'; 1");
     ASSERT_TRUE(clickElement(*view, "#open"));
-    ASSERT_TRUE(waitFor([&] { return host && popupDelegate->isIdleAt(m_server->url("/popup")); }));
-    ASSERT_TRUE(waitFor([&] { return host->pageTitle() == "Popup"; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return host && popupDelegate->isIdleAt(m_server->url("/popup")); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return host->pageTitle() == "Popup"; }));
     EXPECT_TRUE(gesture);
     EXPECT_TRUE(delegate->hasEvent("popup:" + m_server->url("/popup")));
     EXPECT_TRUE(delegate->hasEvent("didCreatePopup:" + std::to_string(host->identifier())));
@@ -85,20 +85,21 @@ TEST_F(LifeSpanTest, CloseTearsDownAndEndsThePage)
     m_server->route("/gone", TestResponse::html(""));
     auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView(m_server->url("/closing"), delegate);
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/closing")); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/closing")); }));
     GtkWidget* engineView = GTK_WIDGET(webViewOf(*view));
     g_object_add_weak_pointer(G_OBJECT(engineView), reinterpret_cast<gpointer*>(&engineView));
     bool attachedDuringLastWord = false;
     delegate->onWillDestroy = [&](VLDBrowserView& closing) { attachedDuringLastWord = closing.hasBrowser(); };
 
     view->requestClose();
-    ASSERT_TRUE(waitFor([&] { return delegate->hasEvent("destroy"); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->hasEvent("destroy"); }));
     EXPECT_EQ(delegate->events, (std::vector<std::string> { "created", "tearDown", "destroy" }));
     EXPECT_TRUE(attachedDuringLastWord);
     EXPECT_FALSE(view->hasBrowser());
     EXPECT_EQ(gtk_widget_get_first_child(view->widget()), nullptr);
-    EXPECT_TRUE(waitFor([&] { return engineView == nullptr; })) << "the engine's view outlived its close";
-    EXPECT_TRUE(waitFor([&] { return m_server->received("/gone"); })) << "the page's unload handler didn't run";
+    EXPECT_TRUE(runMainLoopUntil([&] { return engineView == nullptr; })) << "the engine's view outlived its close";
+    EXPECT_TRUE(runMainLoopUntil([&] { return m_server->received("/gone"); }))
+        << "the page's unload handler didn't run";
 
     // Commands on a closed view do nothing.
     view->loadURL(m_server->url("/closing"));
@@ -122,14 +123,17 @@ TEST_F(LifeSpanTest, APageThatRefusesToUnloadStays)
     m_server->route("/stay", TestResponse::html(page("Stay", body)));
     auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView(m_server->url("/stay"), delegate);
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/stay")); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/stay")); }));
     // The engine asks about leaving only a page the user has touched.
     ASSERT_TRUE(clickElement(*view, "#b"));
     runMainLoopFor(200ms);
 
+    // The page's answer ends the close: the time limit that would close a hung page no longer runs.
+    VLDBrowserView::setCloseTimeLimit(300ms);
     view->requestClose();
-    // Beyond the time a hung page is given.
-    runMainLoopFor(6s);
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->hasEvent("stayed"); }));
+    runMainLoopFor(3 * VLDBrowserView::closeTimeLimit());
+    VLDBrowserView::setCloseTimeLimit(5s);
     EXPECT_TRUE(view->hasBrowser());
     EXPECT_FALSE(delegate->hasEvent("tearDown"));
     EXPECT_FALSE(delegate->hasEvent("destroy"));
@@ -151,12 +155,15 @@ TEST_F(LifeSpanTest, AHungPageIsClosedAnyway)
     m_server->route("/busy", TestResponse::html(page("Busy", body)));
     auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView(m_server->url("/busy"), delegate);
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/busy")); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/busy")); }));
     ASSERT_TRUE(clickElement(*view, "#b"));
     runMainLoopFor(300ms);
 
+    VLDBrowserView::setCloseTimeLimit(500ms);
     view->requestClose();
-    ASSERT_TRUE(waitFor([&] { return delegate->hasEvent("destroy"); }, 15s));
+    bool closed = runMainLoopUntil([&] { return delegate->hasEvent("destroy"); });
+    VLDBrowserView::setCloseTimeLimit(5s);
+    ASSERT_TRUE(closed);
     EXPECT_EQ(delegate->events, (std::vector<std::string> { "created", "tearDown", "destroy" }));
     EXPECT_FALSE(view->hasBrowser());
 }
@@ -179,17 +186,18 @@ TEST_F(LifeSpanTest, APopupThatClosesItselfIsTornDown)
         return host;
     };
     auto view = openView(m_server->url("/opener"), delegate);
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/opener")); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/opener")); }));
     GtkWidget* engineView = nullptr;
     popupDelegate->onCreated = [&](VLDBrowserView& popup) {
         engineView = GTK_WIDGET(webViewOf(popup));
         g_object_add_weak_pointer(G_OBJECT(engineView), reinterpret_cast<gpointer*>(&engineView));
     };
     ASSERT_TRUE(clickElement(*view, "#open"));
-    ASSERT_TRUE(waitFor([&] { return popupDelegate->hasEvent("destroy"); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return popupDelegate->hasEvent("destroy"); }));
     EXPECT_EQ(popupDelegate->events, (std::vector<std::string> { "created", "tearDown", "destroy" }));
     EXPECT_FALSE(host->hasBrowser());
-    EXPECT_TRUE(waitFor([&] { return engineView == nullptr; })) << "the popup's engine view outlived its close";
+    EXPECT_TRUE(runMainLoopUntil([&] { return engineView == nullptr; }))
+        << "the popup's engine view outlived its close";
     EXPECT_TRUE(view->hasBrowser());
 }
 

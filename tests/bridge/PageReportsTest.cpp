@@ -27,20 +27,20 @@ TEST_F(PageReportsTest, LoadErrorsOfTheMainFrameOnly)
     auto view = openView("", delegate);
 
     view->loadURL(refused);
-    ASSERT_TRUE(waitFor([&] { return !delegate->failures.empty(); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return !delegate->failures.empty(); }));
     EXPECT_EQ(delegate->failures[0].code, -102);
     EXPECT_EQ(delegate->failures[0].url, refused);
     EXPECT_FALSE(delegate->failures[0].text.empty());
 
     delegate->failures.clear();
     ASSERT_TRUE(loadAndWait(*view, *delegate, m_server->url("/framed")));
-    ASSERT_TRUE(waitFor([&] { return view->pageTitle() == "Framed"; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return view->pageTitle() == "Framed"; }));
     EXPECT_TRUE(delegate->failures.empty()) << delegate->failures[0].url;
 
     view->loadURL(m_server->url("/slow"));
-    ASSERT_TRUE(waitFor([&] { return m_server->received("/slow") && view->isLoading(); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return m_server->received("/slow") && view->isLoading(); }));
     view->stopLoading();
-    ASSERT_TRUE(waitFor([&] { return !view->isLoading(); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return !view->isLoading(); }));
     runMainLoopFor(100ms);
     EXPECT_TRUE(delegate->failures.empty());
 }
@@ -57,19 +57,21 @@ TEST_F(PageReportsTest, NavigationDecisionsAreForTheMainFrame)
     delegate->allowNavigation = [](const std::string& url) { return url.find("/vetoed") == std::string::npos; };
     auto view = openView(m_server->url("/start"), delegate);
 
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/start")) && m_server->received("/frame"); }));
+    ASSERT_TRUE(
+        runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/start")) && m_server->received("/frame"); }));
     ASSERT_EQ(delegate->navigations.size(), 1u);
     EXPECT_EQ(delegate->navigations[0].url, m_server->url("/start"));
     EXPECT_FALSE(delegate->navigations[0].isRedirect);
 
     view->loadURL(m_server->url("/moved"));
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/target")) && view->pageTitle() == "Target"; }));
+    ASSERT_TRUE(runMainLoopUntil(
+        [&] { return delegate->isIdleAt(m_server->url("/target")) && view->pageTitle() == "Target"; }));
     EXPECT_EQ(delegate->navigations.back().url, m_server->url("/target"));
     EXPECT_TRUE(delegate->navigations.back().isRedirect);
 
     view->loadURL(m_server->url("/vetoed"));
-    ASSERT_TRUE(waitFor([&] { return delegate->navigations.back().url == m_server->url("/vetoed"); }));
-    ASSERT_TRUE(waitFor([&] { return !view->isLoading(); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->navigations.back().url == m_server->url("/vetoed"); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return !view->isLoading(); }));
     runMainLoopFor(100ms);
     EXPECT_EQ(view->pageTitle(), "Target");
     EXPECT_TRUE(delegate->failures.empty());
@@ -87,7 +89,7 @@ TEST_F(PageReportsTest, NewTabClicks)
     m_server->route("/links", TestResponse::html(page("Links", links)));
     auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView(m_server->url("/links"), delegate);
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/links")); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/links")); }));
 
     struct Row {
         const char* name;
@@ -108,7 +110,7 @@ TEST_F(PageReportsTest, NewTabClicks)
         SCOPED_TRACE(row.name);
         delegate->newTabs.clear();
         ASSERT_TRUE(clickElement(*view, row.selector, row.button, row.modifiers));
-        ASSERT_TRUE(waitFor([&] { return !delegate->newTabs.empty(); }, 5s));
+        ASSERT_TRUE(runMainLoopUntil([&] { return !delegate->newTabs.empty(); }, 5s));
         EXPECT_EQ(delegate->newTabs[0].url, m_server->url(row.path));
         EXPECT_EQ(delegate->newTabs[0].foreground, row.foreground);
     }
@@ -132,19 +134,19 @@ TEST_F(PageReportsTest, FaviconCandidates)
     auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView(m_server->url("/icons"), delegate);
 
-    ASSERT_TRUE(waitFor([&] { return !delegate->faviconLists.empty(); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return !delegate->faviconLists.empty(); }));
     EXPECT_EQ(delegate->faviconLists.back(),
         (std::vector<std::string> { m_server->url("/b.ico"), m_server->url("/touch.png"), m_server->url("/a.png") }));
 
     delegate->faviconLists.clear();
     ASSERT_TRUE(loadAndWait(*view, *delegate, m_server->url("/plain")));
-    ASSERT_TRUE(waitFor([&] { return !delegate->faviconLists.empty(); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return !delegate->faviconLists.empty(); }));
     EXPECT_EQ(delegate->faviconLists.back(), std::vector<std::string> { m_server->url("/favicon.ico") });
 
     evaluate(*view,
         "const l = document.createElement('link'); l.rel = 'icon'; l.href = '/late.png';"
         " document.head.appendChild(l); 1");
-    ASSERT_TRUE(waitFor([&] { return delegate->faviconLists.size() == 2; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->faviconLists.size() == 2; }));
     EXPECT_EQ(delegate->faviconLists.back(), std::vector<std::string> { m_server->url("/late.png") });
 }
 
@@ -154,7 +156,7 @@ TEST_F(PageReportsTest, FindCountsMatchesAndTheActiveOne)
     m_server->route("/text", TestResponse::html(page("Text", "<p>foo one</p><p>two FOO</p><p>three foo</p>")));
     auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView(m_server->url("/text"), delegate);
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/text")); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/text")); }));
 
     struct Row {
         const char* name;
@@ -179,7 +181,7 @@ TEST_F(PageReportsTest, FindCountsMatchesAndTheActiveOne)
         SCOPED_TRACE(row.name);
         size_t before = delegate->findResults.size();
         view->findText(row.text, row.forward, row.matchCase, row.findNext);
-        ASSERT_TRUE(waitFor([&] { return delegate->findResults.size() > before; }));
+        ASSERT_TRUE(runMainLoopUntil([&] { return delegate->findResults.size() > before; }));
         EXPECT_EQ(delegate->findResults.back().count, row.count);
         EXPECT_EQ(delegate->findResults.back().activeMatch, row.active);
     }
@@ -202,16 +204,16 @@ TEST_F(PageReportsTest, ContextMenuInfo)
     m_server->route("/menu", TestResponse::html(page("Menu", body)));
     auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView(m_server->url("/menu"), delegate);
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/menu")); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/menu")); }));
 
     ASSERT_TRUE(clickElement(*view, "#link", 3));
-    ASSERT_TRUE(waitFor([&] { return delegate->contextMenus.size() == 1; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->contextMenus.size() == 1; }));
     EXPECT_EQ(delegate->contextMenus[0].linkURL, m_server->url("/elsewhere"));
     EXPECT_EQ(delegate->contextMenus[0].pageURL, m_server->url("/menu"));
     EXPECT_FALSE(delegate->contextMenus[0].isEditable);
 
     ASSERT_TRUE(clickElement(*view, "#field", 3));
-    ASSERT_TRUE(waitFor([&] { return delegate->contextMenus.size() == 2; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->contextMenus.size() == 2; }));
     EXPECT_TRUE(delegate->contextMenus[1].isEditable);
     EXPECT_TRUE(delegate->contextMenus[1].linkURL.empty());
 
@@ -221,7 +223,7 @@ TEST_F(PageReportsTest, ContextMenuInfo)
     ASSERT_TRUE(waitForScriptValue(*view, "getSelection().toString().trim()", "words"));
     runMainLoopFor(100ms);
     ASSERT_TRUE(clickElement(*view, "#word", 3));
-    ASSERT_TRUE(waitFor([&] { return delegate->contextMenus.size() == 3; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->contextMenus.size() == 3; }));
     EXPECT_EQ(delegate->contextMenus[2].selectionText, evaluate(*view, "getSelection().toString()"));
     EXPECT_TRUE(delegate->contextMenus[2].selectionText.starts_with("words"));
 }
@@ -235,7 +237,7 @@ TEST_F(PageReportsTest, BadCertificatesAreRefused)
     auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView(secure.url("/secret"), delegate);
 
-    ASSERT_TRUE(waitFor([&] { return !delegate->failures.empty() && !view->isLoading(); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return !delegate->failures.empty() && !view->isLoading(); }));
     ASSERT_EQ(delegate->refusedCertificates.size(), 1u);
     EXPECT_EQ(delegate->refusedCertificates[0], std::make_pair(secure.url("/secret"), -202));
     ASSERT_EQ(delegate->failures.size(), 1u);
@@ -250,16 +252,16 @@ TEST_F(PageReportsTest, AnEndedWebProcessIsReported)
     m_server->route("/page", TestResponse::html(page("Page")));
     auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView(m_server->url("/page"), delegate);
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/page")); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/page")); }));
 
     webkit_web_view_terminate_web_process(webViewOf(*view));
-    ASSERT_TRUE(waitFor([&] { return !delegate->terminations.empty(); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return !delegate->terminations.empty(); }));
     EXPECT_EQ(delegate->terminations[0], VLDRenderProcessStatus::wasKilled);
 
     // A reload brings the page back.
     delegate->titles.clear();
     view->reload();
-    EXPECT_TRUE(waitFor([&] { return !delegate->titles.empty() && delegate->titles.back() == "Page"; }));
+    EXPECT_TRUE(runMainLoopUntil([&] { return !delegate->titles.empty() && delegate->titles.back() == "Page"; }));
 }
 
 } // namespace velder::test

@@ -27,7 +27,7 @@ protected:
     {
         m_server->route("/where", TestResponse::html(geolocationPage));
         auto view = openView(m_server->url("/where"), delegate, std::move(context));
-        EXPECT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/where")); }));
+        EXPECT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/where")); }));
         return view;
     }
 
@@ -42,7 +42,7 @@ TEST_F(PermissionTest, GeolocationRequestsReachTheOwner)
     auto view = openGeolocationPage(delegate);
 
     evaluate(*view, "ask()");
-    ASSERT_TRUE(waitFor([&] { return delegate->permissionRequests.size() == 1; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->permissionRequests.size() == 1; }));
     auto request = delegate->permissionRequests[0];
     EXPECT_EQ(request->kind(), VLDPermissionRequest::Kind::geolocation);
     EXPECT_EQ(request->origin(), origin());
@@ -53,7 +53,7 @@ TEST_F(PermissionTest, GeolocationRequestsReachTheOwner)
     request->allow();
     EXPECT_TRUE(request->isAnswered());
     ASSERT_TRUE(waitForScriptValue(*view, "result", "error 1"));
-    ASSERT_TRUE(waitFor([&] { return delegate->withdrawnRequests.size() == 1; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->withdrawnRequests.size() == 1; }));
     EXPECT_EQ(delegate->withdrawnRequests[0], request);
     EXPECT_EQ(VLDPermissionBridge::parkedCountForTesting(view->identifier()), 0u);
 }
@@ -64,14 +64,14 @@ TEST_F(PermissionTest, AClosedViewDeniesItsRequests)
     auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openGeolocationPage(delegate);
     evaluate(*view, "ask()");
-    ASSERT_TRUE(waitFor([&] { return delegate->permissionRequests.size() == 1; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->permissionRequests.size() == 1; }));
     auto request = delegate->permissionRequests[0];
     bool answeredBeforeLastWord = false;
     delegate->onWillDestroy = [&](VLDBrowserView&) { answeredBeforeLastWord = request->isAnswered(); };
 
     LogCapture log;
     view->requestClose();
-    ASSERT_TRUE(waitFor([&] { return delegate->hasEvent("destroy"); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->hasEvent("destroy"); }));
     EXPECT_TRUE(answeredBeforeLastWord);
     EXPECT_EQ(VLDPermissionBridge::parkedCountForTesting(view->identifier()), 0u);
     request.reset();
@@ -123,10 +123,10 @@ TEST_F(PermissionTest, StoredAnswersRefusalsAndWithdrawal)
     view->reload();
     ASSERT_TRUE(waitForScriptValue(*view, "result", "none"));
     evaluate(*view, "ask()");
-    ASSERT_TRUE(waitFor([&] { return delegate->permissionRequests.size() == 1; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->permissionRequests.size() == 1; }));
     LogCapture log;
     view->reload();
-    ASSERT_TRUE(waitFor([&] { return delegate->withdrawnRequests.size() == 1; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->withdrawnRequests.size() == 1; }));
     EXPECT_EQ(delegate->withdrawnRequests[0], delegate->permissionRequests[0]);
     EXPECT_TRUE(delegate->permissionRequests[0]->isAnswered());
     delegate->permissionRequests.clear();
@@ -173,21 +173,22 @@ TEST_F(PermissionTest, InMemoryContextsShareNothing)
     };
     auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView(m_server->url("/set"), delegate, first);
-    ASSERT_TRUE(waitFor([&] { return delegate->isIdleAt(m_server->url("/set")); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/set")); }));
     ASSERT_TRUE(loadAndWait(*view, *delegate, m_server->url("/check")));
     EXPECT_EQ(cookieOfLastCheck(), "k=v");
 
     for (auto context : { second, VLDRequestContext::globalContext() }) {
         auto otherDelegate = std::make_shared<RecordingDelegate>();
         auto other = openView(m_server->url("/check?other"), otherDelegate, context);
-        ASSERT_TRUE(waitFor([&] { return otherDelegate->isIdleAt(m_server->url("/check?other")); }));
+        ASSERT_TRUE(runMainLoopUntil([&] { return otherDelegate->isIdleAt(m_server->url("/check?other")); }));
         EXPECT_EQ(cookieOfLastCheck(), "");
     }
 
     auto persistentDelegate = std::make_shared<RecordingDelegate>();
     auto persistent = openView(m_server->url("/set"), persistentDelegate);
-    ASSERT_TRUE(waitFor([&] { return persistentDelegate->isIdleAt(m_server->url("/set")); }));
-    EXPECT_TRUE(waitFor([&] { return fileExists(m_profile->root().file("data/Velder/engine/cookies.sqlite")); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return persistentDelegate->isIdleAt(m_server->url("/set")); }));
+    EXPECT_TRUE(
+        runMainLoopUntil([&] { return fileExists(m_profile->root().file("data/Velder/engine/cookies.sqlite")); }));
 }
 
 } // namespace velder::test

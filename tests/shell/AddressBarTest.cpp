@@ -31,7 +31,7 @@ protected:
         hostIn(box, bar->widget(), 400, 100);
         // A window focuses its first focusable widget when it maps; the tests start with the bar idle.
         gtk_widget_grab_focus(neighbour);
-        ASSERT_TRUE(runUntil([&] { return !bar->isEditing(); }));
+        ASSERT_TRUE(runMainLoopUntil([&] { return !bar->isEditing(); }));
     }
 
     std::pair<int, int> selection() const
@@ -151,12 +151,12 @@ TEST_F(AddressBarTest, EditingBeginsWithAllSelectedAndEndsWithACancel)
     EXPECT_FALSE(bar->isEditing());
 
     bar->focusAndSelectAll();
-    EXPECT_TRUE(runUntil([&] { return bar->isEditing(); }));
+    EXPECT_TRUE(runMainLoopUntil([&] { return bar->isEditing(); }));
     EXPECT_EQ(selection(), (std::pair<int, int> { 0, 20 }));
     EXPECT_TRUE(gtk_widget_get_can_target(bar->field())) << "while editing, clicks place the caret";
 
     gtk_widget_grab_focus(neighbour);
-    EXPECT_TRUE(runUntil([&] { return !bar->isEditing(); }));
+    EXPECT_TRUE(runMainLoopUntil([&] { return !bar->isEditing(); }));
     EXPECT_EQ(calls, (std::vector<std::string> { "focus on", "cancel", "focus off" }));
     EXPECT_FALSE(gtk_widget_get_can_target(bar->field())) << "clicks go to the bar again";
 }
@@ -165,7 +165,7 @@ TEST_F(AddressBarTest, LeavingTheWindowEndsEditingQuietly)
 {
     hostWithNeighbour();
     bar->focusAndSelectAll();
-    ASSERT_TRUE(runUntil([&] { return bar->isEditing(); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return bar->isEditing(); }));
     int reports = 0;
     bar->onFocusChanged = [&](bool) { ++reports; };
     bar->onCancel = [&] {
@@ -201,12 +201,12 @@ TEST_F(AddressBarTest, AClickOutsideThePinStartsEditing)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         gtk_widget_grab_focus(neighbour);
-        ASSERT_TRUE(runUntil([&] { return !bar->isEditing(); }));
+        ASSERT_TRUE(runMainLoopUntil([&] { return !bar->isEditing(); }));
         bar->pin().setShown(row.pinShown);
         settle(bar->widget());
         bar->setText("example.org");
         bar->click(row.x, 14);
-        runUntil([&] { return bar->isEditing(); }, row.editing ? 2000 : 100);
+        runMainLoopUntil([&] { return bar->isEditing(); }, std::chrono::milliseconds(row.editing ? 2000 : 100));
         EXPECT_EQ(bar->isEditing(), row.editing);
         if (row.editing) {
             EXPECT_EQ(selection(), (std::pair<int, int> { 0, 11 }));
@@ -219,7 +219,7 @@ TEST_F(AddressBarTest, AClickWhileEditingLeavesTheCaretToTheField)
     hostWithNeighbour();
     bar->setText("example.org");
     bar->focusAndSelectAll();
-    ASSERT_TRUE(runUntil([&] { return bar->isEditing(); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return bar->isEditing(); }));
     gtk_editable_set_position(GTK_EDITABLE(bar->field()), 4);
     bar->click(100, 14);
     EXPECT_EQ(selection(), (std::pair<int, int> { 4, 4 }));
@@ -299,7 +299,7 @@ TEST_F(AddressBarTest, SelectedTextIsBlackOrWhiteOnTheHighlight)
     hostWithNeighbour();
     bar->setText("MMMMMMMM");
     bar->focusAndSelectAll();
-    ASSERT_TRUE(runUntil([&] { return bar->isEditing(); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return bar->isEditing(); }));
     for (const Row& row : rows) {
         SCOPED_TRACE(row.highlight);
         setColors("cyan", row.highlight, "grey", "charcoal", "gunmetal");

@@ -55,7 +55,7 @@ protected:
             window->install(BrowserTab::create(server.url(path), false), false);
         }
         window->makeKeyAndOrderFront();
-        bool loaded = spinUntil(
+        bool loaded = runMainLoopUntil(
             [&] {
                 return std::all_of(window->tabs().begin(), window->tabs().end(),
                     [](auto& tab) { return tab->view()->hasBrowser() && !tab->isLoading && !tab->title.empty(); });
@@ -72,7 +72,7 @@ protected:
         auto tab = window.activeTab();
         for (int attempt = 0; attempt < 3; ++attempt) {
             RealInput::click(tab->view()->widget(), 300, 300);
-            if (spinUntil([&] { return tab->title == "Touched"; }, 2s)) {
+            if (runMainLoopUntil([&] { return tab->title == "Touched"; }, 2s)) {
                 return true;
             }
         }
@@ -124,7 +124,7 @@ TEST_F(BrowserWindowTest, PicturesOfTheChrome)
     for (unsigned key : { GDK_KEY_1, GDK_KEY_2, GDK_KEY_7 }) {
         RealInput::pressKey(GTK_WIDGET(window->window()), key);
     }
-    ASSERT_TRUE(spinUntil([&] { return window->suggestions().isShowing(); }, 5s))
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->suggestions().isShowing(); }, 5s))
         << "typed: '" << window->addressBar().text() << "'";
     EXPECT_EQ(window->suggestions().entries().size(), 3u);
     std::string suggestions = artifact("suggestion-list.png");
@@ -133,10 +133,10 @@ TEST_F(BrowserWindowTest, PicturesOfTheChrome)
 
     // The settings page.
     RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_Escape);
-    ASSERT_TRUE(spinUntil([&] { return !window->suggestions().isShowing(); }, 5s));
+    ASSERT_TRUE(runMainLoopUntil([&] { return !window->suggestions().isShowing(); }, 5s));
     window->perform(BrowserAction::Kind::settings);
-    ASSERT_TRUE(
-        spinUntil([&] { return window->activeTab()->title == "Settings" && !window->activeTab()->isLoading; }, 10s));
+    ASSERT_TRUE(runMainLoopUntil(
+        [&] { return window->activeTab()->title == "Settings" && !window->activeTab()->isLoading; }, 10s));
     runMainLoopFor(1500ms); // the page paints after it has loaded
     std::string settings = artifact("settings-page.png");
     screenshotWindow(window->window(), settings);
@@ -162,15 +162,15 @@ TEST_F(BrowserWindowTest, ReturnOnASelectedSuggestionOpensThatRow)
         RealInput::pressKey(GTK_WIDGET(window->window()), key);
     }
     // The tab's own first load isn't a visit: three rows.
-    ASSERT_TRUE(spinUntil([&] { return window->suggestions().entries().size() == 3; }, 5s));
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->suggestions().entries().size() == 3; }, 5s));
     EXPECT_EQ(window->suggestions().entries()[0].url, server.url("/alpha"));
     RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_Down);
     RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_Down);
-    ASSERT_TRUE(spinUntil([&] { return window->suggestions().selectedIndex() == 1; }, 5s));
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->suggestions().selectedIndex() == 1; }, 5s));
     EXPECT_EQ(window->addressBar().text(), server.url("/beta"));
     RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_Return);
 
-    ASSERT_TRUE(spinUntil([&] { return window->activeTab()->url == server.url("/beta"); }, 10s));
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->activeTab()->url == server.url("/beta"); }, 10s));
     EXPECT_TRUE(server.received("/beta"));
     EXPECT_FALSE(server.received("/alpha"));
     EXPECT_FALSE(window->suggestions().isShowing());
@@ -184,7 +184,7 @@ TEST_F(BrowserWindowTest, CtrlWInAPageClosesTheTab)
     window->selectTab(1);
     ASSERT_TRUE(touchPage(*window));
     RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_w, { GDK_KEY_Control_L });
-    ASSERT_TRUE(spinUntil([&] { return window->tabs().size() == 1; }, 10s));
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->tabs().size() == 1; }, 10s));
     EXPECT_EQ(window->tabs()[0]->url, server.url("/one"));
     EXPECT_EQ(delegate->closedTabs().front(), server.url("/two"));
 }
@@ -200,13 +200,13 @@ TEST_F(BrowserWindowTest, EscapeWithTheFindBarOpenClosesTheBarNotTheLoad)
     ASSERT_TRUE(window->findBarIsShowing());
 
     window->activeTab()->view()->loadURL(server.url("/slow"));
-    ASSERT_TRUE(spinUntil([&] { return window->activeTab()->isLoading; }, 5s));
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->activeTab()->isLoading; }, 5s));
     window->activeTab()->view()->setBrowserFocus(true);
     runMainLoopFor(100ms);
     RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_Escape);
-    ASSERT_TRUE(spinUntil([&] { return !window->findBarIsShowing(); }, 5s));
+    ASSERT_TRUE(runMainLoopUntil([&] { return !window->findBarIsShowing(); }, 5s));
     EXPECT_TRUE(window->activeTab()->isLoading) << "the load goes on";
-    ASSERT_TRUE(spinUntil([&] { return window->activeTab()->title == "Slow Page"; }, 10s));
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->activeTab()->title == "Slow Page"; }, 10s));
     EXPECT_EQ(window->activeTab()->url, server.url("/slow"));
 }
 
@@ -228,6 +228,6 @@ TEST_F(BrowserWindowTest, ARefusedBeforeUnloadKeepsTheTab)
     EXPECT_TRUE(window->tabs()[1]->view()->hasBrowser());
 
     window->closeTab(0); // a page without the handler closes
-    ASSERT_TRUE(spinUntil([&] { return window->tabs().size() == 1; }, 10s));
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->tabs().size() == 1; }, 10s));
     EXPECT_EQ(window->tabs()[0]->url, server.url("/stay"));
 }

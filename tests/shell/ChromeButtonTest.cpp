@@ -153,7 +153,7 @@ TEST_F(ChromeButtonTest, AMenuProviderPopsItsMenuUnderTheButton)
     EXPECT_EQ(clicks, 0);
     EXPECT_EQ(PopupMenu::openMenu(button->widget()), nullptr);
     // The window goes on drawing after the menu closed (a menu taken down at once crashed it here).
-    runUntil([] { return false; }, 600);
+    runMainLoopFor(std::chrono::milliseconds(600));
     EXPECT_EQ(PopupMenu::openMenu(button->widget()), nullptr);
 }
 

@@ -144,7 +144,7 @@ TEST_F(FindBarTest, OpenFocusesTheFieldAndSearchesAgain)
     EXPECT_FALSE(bar->isShowing());
     bar->open();
     EXPECT_TRUE(bar->isShowing());
-    EXPECT_TRUE(runUntil([&] { return gtk_widget_is_focus(bar->field()); }));
+    EXPECT_TRUE(runMainLoopUntil([&] { return gtk_widget_is_focus(bar->field()); }));
     EXPECT_TRUE(calls.empty()) << "an empty field searches nothing";
 
     setText("needle");
@@ -157,7 +157,7 @@ TEST_F(FindBarTest, OpenFocusesTheFieldAndSearchesAgain)
 
     bar->open();
     EXPECT_EQ(calls, std::vector<std::string> { "query needle" });
-    EXPECT_TRUE(runUntil([&] { return gtk_widget_is_focus(bar->field()); }));
+    EXPECT_TRUE(runMainLoopUntil([&] { return gtk_widget_is_focus(bar->field()); }));
     int start = 0, end = 0;
     gtk_editable_get_selection_bounds(GTK_EDITABLE(bar->field()), &start, &end);
     EXPECT_EQ(start, 0);

@@ -49,7 +49,7 @@ protected:
         WindowRegistry::shared().windows.push_back(window);
         window->install(BrowserTab::create(url, false), true);
         window->makeKeyAndOrderFront();
-        EXPECT_TRUE(spinUntil([&] { return settled(*window, url); }, 20s)) << "never loaded " << url;
+        EXPECT_TRUE(runMainLoopUntil([&] { return settled(*window, url); }, 20s)) << "never loaded " << url;
         return window;
     }
 
@@ -141,7 +141,7 @@ TEST_F(HostilePageTest, NoRoadFromAWebPageReachesVelderActions)
             std::string route = path + std::to_string(i);
             SCOPED_TRACE(route);
             view->loadURL(server.url(route));
-            ASSERT_TRUE(spinUntil([&] { return server.received(route) && !view->isLoading(); }, 10s));
+            ASSERT_TRUE(runMainLoopUntil([&] { return server.received(route) && !view->isLoading(); }, 10s));
             runMainLoopFor(300ms);
         }
     }
@@ -149,7 +149,7 @@ TEST_F(HostilePageTest, NoRoadFromAWebPageReachesVelderActions)
     // A drop: a load the engine starts by itself, not through the view's commands, while a web page shows.
     for (const auto& action : actions) {
         webkit_web_view_load_uri(PageProbe::webViewOf(*view), action.c_str());
-        ASSERT_TRUE(spinUntil(
+        ASSERT_TRUE(runMainLoopUntil(
             [&] { return log.contains("Velder: refused velder:// address from web content: " + action); }, 5s))
             << action;
     }
@@ -172,7 +172,7 @@ TEST_F(HostilePageTest, TheSameAddressesTypedByTheUserDoAct)
         SCOPED_TRACE(action);
         window->navigateActiveTab(action);
         // The action's address never stays: the tab ends at the page the action redirects to.
-        ASSERT_TRUE(spinUntil(
+        ASSERT_TRUE(runMainLoopUntil(
             [&] {
                 auto tab = window->activeTab();
                 return !tab->isLoading && tab->url != action && InternalRoutes::parse(tab->url);
@@ -201,7 +201,8 @@ TEST_F(HostilePageTest, DataInThePagesIsTextAndNoScriptOfItRuns)
     for (const char* url : { "velder://history/", "velder://dashboard/", "velder://settings/", "velder://about/" }) {
         SCOPED_TRACE(url);
         window->navigateActiveTab(url);
-        ASSERT_TRUE(spinUntil([&] { return settled(*window, url) && !window->activeTab()->title.empty(); }, 10s));
+        ASSERT_TRUE(
+            runMainLoopUntil([&] { return settled(*window, url) && !window->activeTab()->title.empty(); }, 10s));
         runMainLoopFor(300ms);
         auto view = window->activeTab()->view();
         EXPECT_NE(window->activeTab()->title, "pwned");

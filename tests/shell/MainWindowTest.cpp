@@ -61,7 +61,7 @@ TEST_F(MainWindowTest, ClosingATabKeepsTheActiveOneOrSelectsTheTabAtItsPlace)
         window->selectTab(row.active);
         auto closing = window->tabs()[row.closed];
         window->closeTab(row.closed);
-        ASSERT_TRUE(spinUntil([&] { return window->tabs().size() == 3; }));
+        ASSERT_TRUE(runMainLoopUntil([&] { return window->tabs().size() == 3; }));
         EXPECT_EQ(urlsOf(*window), row.left);
         EXPECT_EQ(window->activeTab()->url, row.nowActive);
         EXPECT_EQ(delegate->closedTabs().front(), closing->url);
@@ -85,7 +85,7 @@ TEST_F(MainWindowTest, ClosingTheOnlyTabClosesTheWindowAndForgetsNothingToReopen
     std::weak_ptr<MainWindow> weak = window;
     window->closeTab(0);
     window.reset();
-    ASSERT_TRUE(spinUntil([&] { return weak.expired(); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return weak.expired(); }));
     EXPECT_TRUE(WindowRegistry::shared().windows.empty());
     EXPECT_TRUE(delegate->closedTabs().empty());
 
@@ -140,10 +140,10 @@ TEST_F(MainWindowTest, CloseOthersAndToTheRight)
     auto window
         = windowWith({ "https://a.example/", "https://b.example/", "https://c.example/", "https://d.example/" });
     g_action_group_activate_action(window->actions(), "tabCloseToRight", g_variant_new_uint32(1));
-    ASSERT_TRUE(spinUntil([&] { return window->tabs().size() == 2; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->tabs().size() == 2; }));
     EXPECT_EQ(urlsOf(*window), (std::vector<std::string> { "https://a.example/", "https://b.example/" }));
     g_action_group_activate_action(window->actions(), "tabCloseOthers", g_variant_new_uint32(1));
-    ASSERT_TRUE(spinUntil([&] { return window->tabs().size() == 1; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->tabs().size() == 1; }));
     EXPECT_EQ(window->tabs()[0]->url, "https://b.example/");
     g_action_group_activate_action(
         window->actions(), "tabCloseOthers", g_variant_new_uint32(5)); // past the end: nothing
@@ -186,7 +186,7 @@ TEST_F(MainWindowTest, PrivateWindowsLeaveNoTrace)
     EXPECT_TRUE(window->activeTab()->isPrivate());
     EXPECT_EQ(window->activeTab()->url, "about:blank");
     window->closeTab(0);
-    ASSERT_TRUE(spinUntil([&] { return window->tabs().size() == 1; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->tabs().size() == 1; }));
     EXPECT_TRUE(delegate->closedTabs().empty());
 
     // Settings open in the ordinary window.
@@ -218,7 +218,7 @@ TEST_F(MainWindowTest, ReopeningClosedTabsNeverLandsInAPrivateWindow)
 {
     auto ordinary = windowWith({ "https://a.example/", "https://b.example/" });
     ordinary->closeTab(1);
-    ASSERT_TRUE(spinUntil([&] { return ordinary->tabs().size() == 1; }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return ordinary->tabs().size() == 1; }));
     auto window = windowWith({ "about:blank" }, true);
     window->perform(BrowserAction::Kind::reopenClosedTab);
     EXPECT_EQ(window->tabs().size(), 1u);

@@ -43,7 +43,7 @@ TEST_F(SessionTest, CaptureThenRestoreGivesTheSameWindows)
     auto a = openWindow(first, { "https://a.example/", "velder://history/", "about:blank" }, 1);
     auto b = openWindow(second, { "https://b.example/x?y=1" }, 0);
     openWindow({ 10, 10, 800, 600 }, { "https://private.example/" }, 0, true);
-    ASSERT_TRUE(spinUntil([&] { return settled(*a, first) && settled(*b, second); }))
+    ASSERT_TRUE(runMainLoopUntil([&] { return settled(*a, first) && settled(*b, second); }))
         << a->placement().frame().x << "," << a->placement().frame().y << " " << a->placement().frame().width << "x"
         << a->placement().frame().height << " / " << b->placement().frame().x << "," << b->placement().frame().y << " "
         << b->placement().frame().width << "x" << b->placement().frame().height;
@@ -61,7 +61,7 @@ TEST_F(SessionTest, CaptureThenRestoreGivesTheSameWindows)
     ASSERT_TRUE(WindowRegistry::shared().restoreSavedSession());
     auto& windows = WindowRegistry::shared().windows;
     ASSERT_EQ(windows.size(), 2u);
-    ASSERT_TRUE(spinUntil([&] { return settled(*windows[0], first) && settled(*windows[1], second); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return settled(*windows[0], first) && settled(*windows[1], second); }));
     for (std::size_t i = 0; i < 2; ++i) {
         SCOPED_TRACE(i);
         WindowSession again = windows[i]->sessionRecord();

@@ -18,13 +18,6 @@ class BrowserTab;
 
 namespace velder::test {
 
-// Runs the main loop until the condition holds or the timeout passes; returns the condition.
-inline bool spinUntil(
-    const std::function<bool()>& condition, std::chrono::milliseconds timeout = std::chrono::seconds(10))
-{
-    return runMainLoopUntil(condition, timeout);
-}
-
 // A window-layer test: a profile and stores of its own, an application delegate, and fake browser views
 // unless the test asks for the engine's.
 class ShellTest : public ::testing::Test {

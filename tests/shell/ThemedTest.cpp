@@ -39,7 +39,7 @@ TEST_F(ThemedTest, APostFromAnotherThreadIsAppliedOnTheMainThread)
     });
     std::thread poster([this] { post(); });
     poster.join();
-    EXPECT_TRUE(runUntil([&] { return applied == 1; }));
+    EXPECT_TRUE(runMainLoopUntil([&] { return applied == 1; }));
     EXPECT_EQ(appliedOn, std::this_thread::get_id());
     g_object_unref(widget);
 }

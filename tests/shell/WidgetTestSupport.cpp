@@ -152,7 +152,7 @@ GtkWindow* WidgetTest::hostIn(GtkWidget* container, GtkWidget* child, int width,
     gtk_window_set_child(GTK_WINDOW(window), container);
     gtk_window_present(GTK_WINDOW(window));
     m_windows.push_back(GTK_WINDOW(window));
-    bool laidOut = runUntil([&] {
+    bool laidOut = runMainLoopUntil([&] {
         return gtk_widget_get_mapped(child) && gtk_widget_get_width(container) == width
             && gtk_widget_get_height(container) == height;
     });
@@ -172,7 +172,7 @@ void WidgetTest::settle(GtkWidget* widget)
             return G_SOURCE_CONTINUE;
         },
         &ticks, nullptr);
-    bool passed = runUntil([&] { return ticks >= 2; });
+    bool passed = runMainLoopUntil([&] { return ticks >= 2; });
     gtk_widget_remove_tick_callback(widget, id);
     EXPECT_TRUE(passed) << "no frame passed";
     drain();
@@ -297,20 +297,6 @@ Rendering screenshotWindow(GtkWindow* window, const std::string& pngPath)
 Rendering WidgetTest::render(GtkWidget* widget, Color background)
 {
     return renderWidget(widget, background);
-}
-
-bool WidgetTest::runUntil(const std::function<bool()>& condition, int milliseconds)
-{
-    auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() >= deadline) {
-            return condition();
-        }
-        if (!g_main_context_iteration(nullptr, FALSE)) {
-            g_usleep(2000);
-        }
-    }
-    return true;
 }
 
 void WidgetTest::drain()

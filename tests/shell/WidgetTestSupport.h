@@ -2,6 +2,7 @@
 
 #include "core/AppSettings.h"
 #include "core/Color.h"
+#include "support/MainLoop.h"
 #include "support/TestSupport.h"
 
 #include <functional>
@@ -80,8 +81,6 @@ protected:
     // Renders the widget as the next frame paints it, over `background`.
     Rendering render(GtkWidget* widget, Color background = Color::fromHex(0xFF00FF));
 
-    // Runs the main loop until the condition holds or the time is up; returns the last answer.
-    bool runUntil(const std::function<bool()>& condition, int milliseconds = 2000);
     // Runs whatever the main loop has ready.
     void drain();
 

@@ -25,12 +25,6 @@ void barMeasure(GtkWidget* widget, GtkOrientation orientation, int forSize, int*
     }
 }
 
-void barDispose(GObject* object)
-{
-    velder::unparentChildren(GTK_WIDGET(object));
-    G_OBJECT_CLASS(velder_address_bar_parent_class)->dispose(object);
-}
-
 void barPressed(GtkGestureClick*, int, double x, double y, gpointer widget)
 {
     if (auto* bar = velder::ownerOf<velder::AddressBar>(widget)) {
@@ -63,7 +57,7 @@ static void velder_address_bar_class_init(VelderAddressBarClass* widgetClass)
     widgetClass->size_allocate = velder::allocateByOwner<velder::AddressBar>;
     widgetClass->root = barRoot;
     widgetClass->unroot = barUnroot;
-    G_OBJECT_CLASS(widgetClass)->dispose = barDispose;
+    G_OBJECT_CLASS(widgetClass)->dispose = velder::disposeWithChildren<velder_address_bar_get_type>;
     gtk_widget_class_set_css_name(widgetClass, "addressbar");
     gtk_widget_class_set_accessible_role(widgetClass, GTK_ACCESSIBLE_ROLE_GROUP);
 }

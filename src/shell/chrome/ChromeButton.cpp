@@ -40,26 +40,6 @@ void buttonSizeAllocate(GtkWidget* widget, int, int, int)
     velder::PopupMenu::presentAll(widget);
 }
 
-void buttonDispose(GObject* object)
-{
-    velder::unparentChildren(GTK_WIDGET(object));
-    G_OBJECT_CLASS(velder_chrome_button_parent_class)->dispose(object);
-}
-
-void entered(GtkEventControllerMotion*, double, double, gpointer widget)
-{
-    if (auto* button = velder::ownerOf<ChromeButton>(widget)) {
-        button->pointerEntered();
-    }
-}
-
-void left(GtkEventControllerMotion*, gpointer widget)
-{
-    if (auto* button = velder::ownerOf<ChromeButton>(widget)) {
-        button->pointerLeft();
-    }
-}
-
 } // namespace
 
 static void velder_chrome_button_class_init(VelderChromeButtonClass* widgetClass)
@@ -67,7 +47,7 @@ static void velder_chrome_button_class_init(VelderChromeButtonClass* widgetClass
     widgetClass->snapshot = velder::snapshotByOwner<ChromeButton>;
     widgetClass->measure = buttonMeasure;
     widgetClass->size_allocate = buttonSizeAllocate;
-    G_OBJECT_CLASS(widgetClass)->dispose = buttonDispose;
+    G_OBJECT_CLASS(widgetClass)->dispose = velder::disposeWithChildren<velder_chrome_button_get_type>;
     gtk_widget_class_set_css_name(widgetClass, "chromebutton");
     gtk_widget_class_set_accessible_role(widgetClass, GTK_ACCESSIBLE_ROLE_BUTTON);
 }
@@ -75,10 +55,7 @@ static void velder_chrome_button_class_init(VelderChromeButtonClass* widgetClass
 static void velder_chrome_button_init(VelderChromeButton* self)
 {
     GtkWidget* widget = GTK_WIDGET(self);
-    GtkEventController* motion = gtk_event_controller_motion_new();
-    g_signal_connect(motion, "enter", G_CALLBACK(entered), self);
-    g_signal_connect(motion, "leave", G_CALLBACK(left), self);
-    gtk_widget_add_controller(widget, motion);
+    velder::addHoverTracking<ChromeButton>(widget);
 
     velder::addPressGesture<ChromeButton>(widget);
     gtk_widget_set_focusable(widget, FALSE);

@@ -26,12 +26,6 @@ void pinSizeAllocate(GtkWidget* widget, int, int, int)
     velder::PopupMenu::presentAll(widget);
 }
 
-void pinDispose(GObject* object)
-{
-    velder::unparentChildren(GTK_WIDGET(object));
-    G_OBJECT_CLASS(velder_location_pin_parent_class)->dispose(object);
-}
-
 void pressed(GtkGestureClick* gesture, int, double, double, gpointer widget)
 {
     // The pin's press is its own: the address bar under it must not start editing.
@@ -48,7 +42,7 @@ static void velder_location_pin_class_init(VelderLocationPinClass* widgetClass)
     widgetClass->snapshot = velder::snapshotByOwner<LocationPin>;
     widgetClass->measure = pinMeasure;
     widgetClass->size_allocate = pinSizeAllocate;
-    G_OBJECT_CLASS(widgetClass)->dispose = pinDispose;
+    G_OBJECT_CLASS(widgetClass)->dispose = velder::disposeWithChildren<velder_location_pin_get_type>;
     gtk_widget_class_set_css_name(widgetClass, "locationpin");
     gtk_widget_class_set_accessible_role(widgetClass, GTK_ACCESSIBLE_ROLE_BUTTON);
 }

@@ -40,4 +40,35 @@ template<class Owner> void allocateByOwner(GtkWidget* widget, int width, int hei
 // For dispose: every child goes, a menu first.
 void unparentChildren(GtkWidget* widget);
 
+// The dispose of every widget class of the chrome: its children go, then the parent class's dispose runs.
+// `getType` is the class's own get_type function (G_DEFINE_TYPE's).
+template<GType (*getType)()> void disposeWithChildren(GObject* object)
+{
+    unparentChildren(GTK_WIDGET(object));
+    G_OBJECT_CLASS(g_type_class_peek_parent(g_type_class_peek(getType())))->dispose(object);
+}
+
+// The pointer entering and leaving the widget reach the owner's pointerEntered() and pointerLeft().
+template<class Owner> void addHoverTracking(GtkWidget* widget)
+{
+    struct Handlers {
+        static void entered(GtkEventControllerMotion*, double, double, gpointer widget)
+        {
+            if (auto* owner = ownerOf<Owner>(widget)) {
+                owner->pointerEntered();
+            }
+        }
+        static void left(GtkEventControllerMotion*, gpointer widget)
+        {
+            if (auto* owner = ownerOf<Owner>(widget)) {
+                owner->pointerLeft();
+            }
+        }
+    };
+    GtkEventController* motion = gtk_event_controller_motion_new();
+    g_signal_connect(motion, "enter", G_CALLBACK(Handlers::entered), widget);
+    g_signal_connect(motion, "leave", G_CALLBACK(Handlers::left), widget);
+    gtk_widget_add_controller(widget, motion);
+}
+
 } // namespace velder

@@ -23,26 +23,6 @@ void slotSizeAllocate(GtkWidget* widget, int width, int height, int baseline)
     velder::PopupMenu::presentAll(widget);
 }
 
-void slotDispose(GObject* object)
-{
-    velder::unparentChildren(GTK_WIDGET(object));
-    G_OBJECT_CLASS(velder_tab_slot_parent_class)->dispose(object);
-}
-
-void entered(GtkEventControllerMotion*, double, double, gpointer widget)
-{
-    if (auto* slot = velder::ownerOf<TabSlot>(widget)) {
-        slot->pointerEntered();
-    }
-}
-
-void left(GtkEventControllerMotion*, gpointer widget)
-{
-    if (auto* slot = velder::ownerOf<TabSlot>(widget)) {
-        slot->pointerLeft();
-    }
-}
-
 // The pointer's x in the strip's coordinates. The slot may have moved since the press (it follows the
 // drag, or another slot took its place), so the point is taken afresh from the last event.
 std::optional<double> pointerXInStrip(GtkGesture* gesture, GtkWidget* widget)
@@ -117,7 +97,7 @@ static void velder_tab_slot_class_init(VelderTabSlotClass* widgetClass)
 {
     widgetClass->snapshot = velder::snapshotByOwner<TabSlot>;
     widgetClass->size_allocate = slotSizeAllocate;
-    G_OBJECT_CLASS(widgetClass)->dispose = slotDispose;
+    G_OBJECT_CLASS(widgetClass)->dispose = velder::disposeWithChildren<velder_tab_slot_get_type>;
     gtk_widget_class_set_css_name(widgetClass, "tabslot");
     gtk_widget_class_set_accessible_role(widgetClass, GTK_ACCESSIBLE_ROLE_TAB);
 }
@@ -125,10 +105,7 @@ static void velder_tab_slot_class_init(VelderTabSlotClass* widgetClass)
 static void velder_tab_slot_init(VelderTabSlot* self)
 {
     GtkWidget* widget = GTK_WIDGET(self);
-    GtkEventController* motion = gtk_event_controller_motion_new();
-    g_signal_connect(motion, "enter", G_CALLBACK(entered), self);
-    g_signal_connect(motion, "leave", G_CALLBACK(left), self);
-    gtk_widget_add_controller(widget, motion);
+    velder::addHoverTracking<TabSlot>(widget);
 
     GtkGesture* drag = gtk_gesture_drag_new();
     gtk_gesture_single_set_button(GTK_GESTURE_SINGLE(drag), GDK_BUTTON_PRIMARY);

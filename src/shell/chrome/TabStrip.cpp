@@ -26,12 +26,6 @@ void stripMeasure(GtkWidget*, GtkOrientation orientation, int, int* minimum, int
     }
 }
 
-void stripDispose(GObject* object)
-{
-    velder::unparentChildren(GTK_WIDGET(object));
-    G_OBJECT_CLASS(velder_tab_strip_parent_class)->dispose(object);
-}
-
 } // namespace
 
 static void velder_tab_strip_class_init(VelderTabStripClass* widgetClass)
@@ -39,7 +33,7 @@ static void velder_tab_strip_class_init(VelderTabStripClass* widgetClass)
     widgetClass->snapshot = velder::snapshotByOwner<velder::TabStrip>;
     widgetClass->size_allocate = velder::allocateByOwner<velder::TabStrip>;
     widgetClass->measure = stripMeasure;
-    G_OBJECT_CLASS(widgetClass)->dispose = stripDispose;
+    G_OBJECT_CLASS(widgetClass)->dispose = velder::disposeWithChildren<velder_tab_strip_get_type>;
     gtk_widget_class_set_css_name(widgetClass, "tabstrip");
     gtk_widget_class_set_accessible_role(widgetClass, GTK_ACCESSIBLE_ROLE_TAB_LIST);
 }

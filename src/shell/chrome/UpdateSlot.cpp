@@ -91,7 +91,7 @@ void UpdateSlot::apply(const UpdateState& state, bool clean)
 
 bool UpdateSlot::isTickShowing() const
 {
-    return m_tickUntil && std::chrono::steady_clock::now() < *m_tickUntil;
+    return m_tickTimer != 0;
 }
 
 void UpdateSlot::startSpinning()
@@ -120,7 +120,6 @@ void UpdateSlot::stopSpinning()
 
 void UpdateSlot::showTick()
 {
-    m_tickUntil = std::chrono::steady_clock::now() + tickDuration;
     if (m_tickTimer) {
         g_source_remove(m_tickTimer);
     }
@@ -143,7 +142,6 @@ void UpdateSlot::cancelTick()
         g_source_remove(m_tickTimer);
         m_tickTimer = 0;
     }
-    m_tickUntil.reset();
     refreshTooltip();
     redraw();
 }

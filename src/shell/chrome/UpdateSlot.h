@@ -18,7 +18,8 @@ namespace velder {
 class UpdateSlot {
 public:
     static constexpr int side = 22;
-    static constexpr std::chrono::milliseconds tickDuration { 3000 };
+    // How long the tick shows: 3 seconds, or what a test sets before applying.
+    std::chrono::milliseconds tickDuration { 3000 };
     // The spinner turns 12 degrees every 1/30 of a second: once a second.
     static constexpr std::chrono::milliseconds spinInterval { 33 };
     static constexpr double spinStep = 0.20943951023931953;
@@ -61,7 +62,6 @@ private:
 
     GObjectPtr<GtkWidget> m_widget;
     UpdateState m_state;
-    std::optional<std::chrono::steady_clock::time_point> m_tickUntil;
     guint m_tickTimer = 0;
     bool m_watchedCheckStart = false;
     double m_spinAngle = 0;

@@ -21,12 +21,6 @@ void barMeasure(GtkWidget*, GtkOrientation orientation, int, int* minimum, int* 
     *minimum = *natural = orientation == GTK_ORIENTATION_HORIZONTAL ? velder::FindBar::width : velder::FindBar::height;
 }
 
-void barDispose(GObject* object)
-{
-    velder::unparentChildren(GTK_WIDGET(object));
-    G_OBJECT_CLASS(velder_find_bar_parent_class)->dispose(object);
-}
-
 } // namespace
 
 static void velder_find_bar_class_init(VelderFindBarClass* widgetClass)
@@ -34,7 +28,7 @@ static void velder_find_bar_class_init(VelderFindBarClass* widgetClass)
     widgetClass->snapshot = velder::snapshotByOwner<velder::FindBar>;
     widgetClass->measure = barMeasure;
     widgetClass->size_allocate = velder::allocateByOwner<velder::FindBar>;
-    G_OBJECT_CLASS(widgetClass)->dispose = barDispose;
+    G_OBJECT_CLASS(widgetClass)->dispose = velder::disposeWithChildren<velder_find_bar_get_type>;
     gtk_widget_class_set_css_name(widgetClass, "findbar");
     gtk_widget_class_set_accessible_role(widgetClass, GTK_ACCESSIBLE_ROLE_SEARCH);
 }
