@@ -100,25 +100,6 @@ TEST_F(MainWindowTest, ClosingTheOnlyTabClosesTheWindowAndForgetsNothingToReopen
     EXPECT_TRUE(weak.expired());
 }
 
-TEST_F(MainWindowTest, MovingTabsKeepsTheActiveOne)
-{
-    struct Row {
-        std::size_t active, from, to, nowActive;
-    };
-    std::vector<Row> rows = { { 1, 1, 3, 3 }, { 2, 0, 3, 1 }, { 1, 3, 0, 2 }, { 0, 1, 2, 0 }, { 2, 2, 9, 2 } };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(std::to_string(row.from) + " -> " + std::to_string(row.to));
-        auto window
-            = windowWith({ "https://a.example/", "https://b.example/", "https://c.example/", "https://d.example/" });
-        window->selectTab(row.active);
-        auto active = window->activeTab();
-        window->moveTab(row.from, row.to);
-        EXPECT_EQ(window->activeIndex(), row.nowActive);
-        EXPECT_EQ(window->activeTab(), active);
-        WindowRegistry::shared().reset();
-    }
-}
-
 TEST_F(MainWindowTest, TabCommandsWrapAndIgnorePositionsPastTheEnd)
 {
     auto window = windowWith({ "https://a.example/", "https://b.example/", "https://c.example/" });

@@ -4,7 +4,9 @@
 
 #include "shell/tab/BrowserTab.h"
 #include "shell/window/MainWindow.h"
+#include "bridge/VLDContextMenuInfo.h"
 #include "shell/window/MenuBar.h"
+#include "shell/window/WindowMenus.h"
 
 using namespace velder;
 using namespace velder::test;
@@ -136,4 +138,30 @@ TEST_F(MenuBarTest, ItemsNameTheWindowsActionsAndFollowItsState)
     g_action_group_activate_action(actions, "stop", nullptr);
     auto& commands = fakeViewOf(*window->tabs()[1])->commands;
     EXPECT_EQ(std::count(commands.begin(), commands.end(), "stopLoading"), 0);
+}
+
+TEST_F(MenuBarTest, PopupMenusNameTheWindowsActionsAndShowNoKeys)
+{
+    auto window = MainWindow::create(WindowFrame::defaultFrame(), false, false);
+    WindowRegistry::shared().windows.push_back(window);
+    window->install(BrowserTab::create("https://a.example/", false), true);
+    VLDContextMenuInfo onLink;
+    onLink.linkURL = "https://b.example/";
+    onLink.selectionText = "words";
+    std::vector<GObjectPtr<GMenuModel>> menus;
+    menus.push_back(WindowMenus::wordmarkMenu());
+    menus.push_back(WindowMenus::tabMenu(*window, 0));
+    menus.push_back(WindowMenus::pageMenu(onLink));
+    for (const auto& menu : menus) {
+        for (const auto& item : itemsOf(menu.get(), true)) {
+            SCOPED_TRACE(item.label);
+            EXPECT_TRUE(item.accel.empty()) << "only the menu bar shows keys";
+            ASSERT_TRUE(item.action.starts_with("win.")) << item.action;
+            EXPECT_TRUE(g_action_group_has_action(window->actions(), item.action.c_str() + 4));
+        }
+    }
+    EXPECT_EQ(itemsOf(menus[2].get()).back().label, "Reload");
+    VLDContextMenuInfo inField;
+    inField.isEditable = true;
+    EXPECT_EQ(WindowMenus::pageMenu(inField).get(), nullptr) << "a text field keeps the engine's own menu";
 }
