@@ -254,19 +254,6 @@ TEST(HistoryStore, ClearEmptiesHistoryAndIconsEvenWhenEmpty)
     EXPECT_EQ(stores.history().count(), 0u);
 }
 
-TEST(HistoryStore, ABurstOfVisitsIsWrittenOnceAfterTheDebounce)
-{
-    ScopedStores stores;
-    for (int i = 0; i < 20; ++i) {
-        stores.history().record(numbered("https://", i) + ".example/", "", at(i));
-    }
-    std::this_thread::sleep_for(1500ms);
-    EXPECT_FALSE(fileExists(AppInfo::historyFile())) << "two seconds after the last change, not before";
-    EXPECT_TRUE(waitUntil([] { return fileExists(AppInfo::historyFile()); }, 3000ms));
-    SecureJsonFile<HistoryData> file(AppInfo::historyFile(), testDataKey());
-    EXPECT_EQ(file.load(HistoryData()).entries, stores.history().entries());
-}
-
 TEST(HistoryStore, LoadKeepsTheFirstOfEachAddressAndTrimsWithoutWriting)
 {
     ScopedStores stores;

@@ -6,7 +6,6 @@
 #include <atomic>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <thread>
 
 using namespace velder;
@@ -14,12 +13,6 @@ using namespace velder::test;
 using namespace std::chrono_literals;
 
 namespace {
-
-ino_t inodeOf(const std::string& path)
-{
-    struct stat info { };
-    return stat(path.c_str(), &info) == 0 ? info.st_ino : 0;
-}
 
 // Counts "Velder.settingsDidChange" and remembers on which thread it came.
 struct SettingsObserver {
@@ -103,30 +96,6 @@ TEST(Vault, SnapshotsDontChangeUnderTheirReader)
     EXPECT_TRUE(before->dashboardIgnored.empty());
     EXPECT_EQ(vault.snapshot()->dashboardIgnored.size(), 1u);
     EXPECT_EQ(vault.snapshot().get(), vault.snapshot().get()) << "a snapshot shares the record, it doesn't copy it";
-}
-
-TEST(Vault, ABurstOfChangesIsWrittenOnceTwoSecondsAfterTheLast)
-{
-    TempDir dir;
-    std::string path = dir.file("vault.bin");
-    Vault vault(path, testDataKey());
-    auto start = std::chrono::steady_clock::now();
-    vault.update([](VaultData& data) { data.currentZoomLevel = 1; });
-    std::this_thread::sleep_for(600ms);
-    vault.update([](VaultData& data) { data.currentZoomLevel = 2; });
-
-    // Two seconds after the first change the write has been pushed back by the second.
-    std::this_thread::sleep_until(start + 2300ms);
-    EXPECT_FALSE(fileExists(path));
-    ASSERT_TRUE(waitUntil([&] { return fileExists(path); }, 2000ms));
-    auto elapsed = std::chrono::steady_clock::now() - start;
-    EXPECT_GE(elapsed, 2550ms);
-    EXPECT_LE(elapsed, 3300ms);
-
-    ino_t written = inodeOf(path);
-    std::this_thread::sleep_for(2500ms);
-    EXPECT_EQ(inodeOf(path), written) << "the burst costs one write";
-    EXPECT_EQ(SecureJsonFile<VaultData>(path, testDataKey()).load(VaultData()).currentZoomLevel, 2);
 }
 
 TEST(Vault, AFailedSaveStaysDirtyForTheNextFlush)
