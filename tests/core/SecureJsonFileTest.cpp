@@ -6,8 +6,10 @@
 #include "support/TestSupport.h"
 
 #include <csignal>
+#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -190,33 +192,65 @@ TEST(SecureJsonFile, AFailedWriteLogsAndKeepsTheOldFileWhole)
     EXPECT_EQ(file.load(VaultData()).settings.homepage, "https://old.example/");
 }
 
-TEST(SecureJsonFile, AWriterKilledMidSaveLeavesTheOldFileOrTheNewWhole)
+// The writer is killed inside the write of the new file: its side file is a FIFO here, so the test reads
+// the sealed bytes as far as it likes while the writer is blocked in write(), and kills it there.
+TEST(SecureJsonFile, AWriterKilledMidWriteLeavesTheOldFileWhole)
 {
     TempDir dir;
     SymmetricKey key = testDataKey();
     std::string path = dir.file("vault.bin");
-    // Large records, so that a kill often lands inside a write.
-    std::vector<std::string> homepages = { std::string(3 << 20, 'a'), std::string(3 << 20, 'b') };
-    ASSERT_TRUE(SecureJsonFile<VaultData>(path, key).save(sampleVault(homepages[0])));
+    std::string side = path + ".tmp";
+    ASSERT_TRUE(SecureJsonFile<VaultData>(path, key).save(sampleVault("https://old.example/")));
+    const auto old = readBytes(path);
+    const VaultData next = sampleVault(std::string(1 << 20, 'n'));
+    const std::size_t sealedSize = 12 + VldJson::encode(next).size() + 16;
 
-    for (int round = 0; round < 20; ++round) {
+    // A pipe holds this much: as long as more than that is still to come, the writer is inside write().
+    int probe[2];
+    ASSERT_EQ(pipe(probe), 0);
+    const auto pipeSize = static_cast<std::size_t>(fcntl(probe[0], F_GETPIPE_SZ));
+    close(probe[0]);
+    close(probe[1]);
+
+    for (std::size_t wanted : { std::size_t(1), sealedSize / 2, sealedSize - pipeSize - 1 }) {
+        SCOPED_TRACE(wanted);
+        ASSERT_EQ(mkfifo(side.c_str(), 0600), 0);
+        int fifo = open(side.c_str(), O_RDONLY | O_NONBLOCK);
+        ASSERT_GE(fifo, 0);
         pid_t child = fork();
         ASSERT_GE(child, 0);
         if (child == 0) {
-            SecureJsonFile<VaultData> file(path, key);
-            for (int i = 0;; ++i) {
-                file.save(sampleVault(homepages[i % 2]));
-            }
+            SecureJsonFile<VaultData>(path, key).save(next);
+            _exit(0);
         }
-        usleep(static_cast<useconds_t>(2000 + (round * 7919) % 40000));
+        std::size_t got = 0;
+        std::vector<char> buffer(65536);
+        pollfd readable { fifo, POLLIN, 0 };
+        // Bounded, so that a writer that never opens the side file fails the test instead of hanging it.
+        while (got < wanted && poll(&readable, 1, 10000) == 1) {
+            ssize_t n = read(fifo, buffer.data(), std::min(buffer.size(), wanted - got));
+            if (n == 0 || (n < 0 && errno != EAGAIN)) {
+                break;
+            }
+            got += n > 0 ? static_cast<std::size_t>(n) : 0;
+        }
+        EXPECT_EQ(got, wanted);
         kill(child, SIGKILL);
         int status = 0;
         waitpid(child, &status, 0);
+        close(fifo);
+        unlink(side.c_str());
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << "the writer was still writing";
 
         LogCapture log;
-        VaultData loaded = SecureJsonFile<VaultData>(path, key).load(VaultData());
-        EXPECT_TRUE(log.lines().empty()) << "round " << round << ": " << log.lines().at(0);
-        EXPECT_TRUE(loaded.settings.homepage == homepages[0] || loaded.settings.homepage == homepages[1])
-            << "round " << round;
+        EXPECT_EQ(readBytes(path), old);
+        EXPECT_EQ(SecureJsonFile<VaultData>(path, key).load(VaultData()).settings.homepage, "https://old.example/");
+        EXPECT_TRUE(log.lines().empty());
     }
+
+    // What a killed writer leaves beside the file is replaced by the next save.
+    writeBytes(side, std::vector<std::uint8_t>(100, 7));
+    ASSERT_TRUE(SecureJsonFile<VaultData>(path, key).save(next));
+    EXPECT_EQ(SecureJsonFile<VaultData>(path, key).load(VaultData()), next);
+    EXPECT_FALSE(fileExists(side));
 }
