@@ -95,11 +95,13 @@ TEST_F(InternalPagesTest, SettingsActions)
     }
     EXPECT_EQ(stores.vault().snapshot()->settings.maxHistory, 77);
 
+    // Without a view that asked, there is no session whose cookies could be cleared.
     host.host->calls.clear();
-    auto cleared = get("velder://settings/?clear=history", std::nullopt);
-    EXPECT_EQ(cleared->redirectURL, "velder://settings/?done=history");
+    EXPECT_EQ(get("velder://settings/?clear=browsingdata", std::nullopt)->redirectURL,
+        "velder://settings/?done=browsingdata");
+    EXPECT_EQ(get("velder://settings/?clear=history", std::nullopt)->redirectURL, "velder://settings/?done=history");
     EXPECT_EQ(stores.history().count(), 0u);
-    EXPECT_EQ(host.host->calls, std::vector<std::string> { "refresh -" });
+    EXPECT_EQ(host.host->calls, (std::vector<std::string> { "refresh -", "refresh -" }));
 }
 
 TEST_F(InternalPagesTest, SettingsNotices)

@@ -111,18 +111,18 @@ TEST(Html, EscapeAndLink)
     }
 }
 
-TEST(PageShell, TheFallbackIsExactAndLoggedOnce)
+TEST(PageShell, AMissingOrBrokenTemplateFallsBackWithOneLine)
 {
-    const std::string fallback
-        = "<!doctype html><html lang=\"en\"><head><meta charset=\"utf-8\"><title>{{TITLE}}</title>"
-          "</head>\n<body><div class=\"wrap\"><header><h1>{{HEADING}}</h1><nav>{{NAV}}</nav>"
-          "</header>{{BODY}}</div></body></html>";
     const std::string line = "Velder: shell.html is missing from the bundle. Internal pages will render unstyled.";
     for (auto resource :
         std::vector<std::optional<std::string_view>> { std::nullopt, std::string_view("\xFF\xFE bad") }) {
         SCOPED_TRACE(resource ? "not UTF-8" : "missing");
         LogCapture log;
-        EXPECT_EQ(PageShell::templateFrom(resource), fallback);
+        std::string fallback = PageShell::templateFrom(resource);
+        for (const char* placeholder : { "{{TITLE}}", "{{HEADING}}", "{{NAV}}", "{{BODY}}" }) {
+            EXPECT_NE(fallback.find(placeholder), std::string::npos) << placeholder;
+        }
+        EXPECT_EQ(fallback.find("\xFF"), std::string::npos);
         EXPECT_EQ(log.lines(), std::vector<std::string> { line });
     }
     LogCapture log;

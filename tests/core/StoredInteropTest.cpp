@@ -9,6 +9,8 @@
 #include "core/Vault.h"
 #include "support/TestSupport.h"
 
+#include "CoreTestSupport.h"
+
 #include <filesystem>
 #include <gtest/gtest.h>
 
@@ -20,11 +22,6 @@ namespace {
 std::string stored(const std::string& name)
 {
     return testDataPath("stored/" + name);
-}
-
-Date at(const char* iso)
-{
-    return *parseIso8601(iso);
 }
 
 } // namespace
@@ -99,10 +96,7 @@ TEST(StoredInterop, BrokenVaultsStartFreshAndStayOnDisk)
         LogCapture log;
         Vault vault(dir.file("vault.bin"), testDataKey());
         EXPECT_EQ(*vault.snapshot(), VaultData());
-        auto lines = log.lines();
-        ASSERT_EQ(lines.size(), 1u);
-        EXPECT_TRUE(lines[0].starts_with("Velder: vault.bin could not be read (")) << lines[0];
-        EXPECT_TRUE(lines[0].ends_with("); starting fresh.")) << lines[0];
+        expectOneLine(log, "vault.bin could not be read (\xE2\x80\xA6); starting fresh.");
         vault.flushNow();
         EXPECT_EQ(readBytes(dir.file("vault.bin")), bytes);
     }
@@ -145,10 +139,7 @@ TEST(StoredInterop, HistoryWithoutAVisitCountStartsFresh)
     {
         HistoryStore history(AppInfo::historyFile(), testDataKey());
         EXPECT_EQ(history.count(), 0u);
-        auto lines = log.lines();
-        ASSERT_EQ(lines.size(), 1u);
-        EXPECT_TRUE(lines[0].starts_with("Velder: history.bin could not be read (")) << lines[0];
-        EXPECT_TRUE(lines[0].ends_with("); starting fresh.")) << lines[0];
+        expectOneLine(log, "history.bin could not be read (\xE2\x80\xA6); starting fresh.");
         history.flushNow();
         EXPECT_EQ(readBytes(AppInfo::historyFile()), bytes);
     }
