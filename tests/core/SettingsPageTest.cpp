@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <map>
+#include <regex>
 #include <tuple>
 
 using namespace velder;
@@ -30,27 +31,22 @@ std::string unescape(std::string text)
     return text;
 }
 
-std::string attribute(const std::string& tag, const std::string& name)
-{
-    size_t start = tag.find(" " + name + "=\"");
-    if (start == std::string::npos) {
-        return {};
-    }
-    start += name.size() + 3;
-    return unescape(tag.substr(start, tag.find('"', start) - start));
-}
-
-// The settings form's <input> tags as (type, name, value, ticked).
+// The settings form's inputs as (type, name, value, ticked). A quote or a bracket left unescaped in a value
+// breaks its tag, and the count of tags read then falls short.
 std::vector<std::tuple<std::string, std::string, std::string, bool>> inputsOf(const std::string& page)
 {
-    size_t form = page.find("<form class=\"settings\"");
-    size_t end = page.find("</form>", form);
+    std::string form = page.substr(page.find("<form class=\"settings\""));
+    form.resize(form.find("</form>"));
+    static const std::regex input(R"re(<input type="(\w+)" name="(\w+)" value="([^"<>]*)"( checked)?>)re");
     std::vector<std::tuple<std::string, std::string, std::string, bool>> inputs;
-    for (size_t at = page.find("<input ", form); at < end; at = page.find("<input ", at + 1)) {
-        std::string tag = page.substr(at, page.find('>', at) - at);
-        inputs.emplace_back(
-            attribute(tag, "type"), attribute(tag, "name"), attribute(tag, "value"), tag.ends_with(" checked"));
+    for (std::sregex_iterator it(form.begin(), form.end(), input), end; it != end; ++it) {
+        inputs.emplace_back((*it)[1], (*it)[2], unescape((*it)[3]), (*it)[4].matched);
     }
+    size_t tags = 0;
+    for (size_t at = form.find("<input"); at != std::string::npos; at = form.find("<input", at + 1)) {
+        ++tags;
+    }
+    EXPECT_EQ(inputs.size(), tags);
     return inputs;
 }
 
