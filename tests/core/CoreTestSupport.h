@@ -38,8 +38,8 @@ inline void expectOneLine(const LogCapture& log, const std::string& text)
 }
 
 // Each of `has` is in the text and none of `hasNot`.
-inline void expectParts(const std::string& text, const std::vector<std::string>& has,
-    const std::vector<std::string>& hasNot = {})
+inline void expectParts(
+    const std::string& text, const std::vector<std::string>& has, const std::vector<std::string>& hasNot = {})
 {
     for (const auto& part : has) {
         EXPECT_NE(text.find(part), std::string::npos) << part << "\nmissing from\n" << text;
