@@ -3,10 +3,10 @@
 namespace velder {
 
 DebouncedFlush::DebouncedFlush(
-    std::string queueLabel, std::chrono::milliseconds delay, std::function<void()> writeIfDirty)
+    std::string queueLabel, std::chrono::milliseconds delay, std::function<void()> writeIfDirty, Clock& clock)
     : m_delay(delay)
     , m_writeIfDirty(std::move(writeIfDirty))
-    , m_queue(std::move(queueLabel))
+    , m_queue(std::move(queueLabel), clock)
 {
 }
 

@@ -41,10 +41,12 @@ void FaviconStore::setShared(std::shared_ptr<FaviconStore> store)
     Shared::set(std::move(store));
 }
 
-FaviconStore::FaviconStore(std::string path, std::optional<SymmetricKey> key, std::function<Date()> clock)
+FaviconStore::FaviconStore(
+    std::string path, std::optional<SymmetricKey> key, std::function<Date()> clock, Clock& flushClock)
     : m_file(std::move(path), std::move(key))
     , m_clock(std::move(clock))
-    , m_flush("local.velder.favicon-flush", debounce, [this] { writeIfDirty(); })
+    , m_flush(
+          "local.velder.favicon-flush", debounce, [this] { writeIfDirty(); }, flushClock)
 {
     FaviconData data = m_file.load(FaviconData());
     std::lock_guard lock(m_lock);

@@ -30,9 +30,10 @@ public:
     static void setShared(std::shared_ptr<FaviconStore> store); // tests
 
     // Loads the file, drops entries without a site or data, and trims; none of that is written by itself.
-    // `clock` gives the current time (tests move it).
+    // `clock` gives the date an icon is fetched at and `flushClock` times the debounce (tests move both;
+    // the latter must outlive the store).
     explicit FaviconStore(std::string path, std::optional<SymmetricKey> key = KeychainKey::shared(),
-        std::function<Date()> clock = velder::now);
+        std::function<Date()> clock = velder::now, Clock& flushClock = Clock::steady());
 
     // Whether a fetch is wanted: no icon yet, or one older than 14 days.
     bool needs(const std::string& site) const;

@@ -32,9 +32,10 @@ void HistoryStore::setShared(std::shared_ptr<HistoryStore> store)
     Shared::set(std::move(store));
 }
 
-HistoryStore::HistoryStore(std::string path, std::optional<SymmetricKey> key)
+HistoryStore::HistoryStore(std::string path, std::optional<SymmetricKey> key, Clock& flushClock)
     : m_file(std::move(path), std::move(key))
-    , m_flush("local.velder.history-flush", debounce, [this] { writeIfDirty(); })
+    , m_flush(
+          "local.velder.history-flush", debounce, [this] { writeIfDirty(); }, flushClock)
 {
     HistoryData data = m_file.load(HistoryData());
     std::int64_t limit = maxHistorySetting();

@@ -31,7 +31,9 @@ public:
     static void setShared(std::shared_ptr<HistoryStore> store); // tests
 
     // Loads the file, keeps the first entry of each address and trims to the vault's maxHistory.
-    explicit HistoryStore(std::string path, std::optional<SymmetricKey> key = KeychainKey::shared());
+    // `flushClock` times the debounce (tests move a ManualClock); it must outlive the store.
+    explicit HistoryStore(
+        std::string path, std::optional<SymmetricKey> key = KeychainKey::shared(), Clock& flushClock = Clock::steady());
 
     void record(std::string_view url, std::string_view title, Date at);
     void updateTitle(std::string_view title, std::string_view url);

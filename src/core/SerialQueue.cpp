@@ -4,14 +4,17 @@
 
 namespace velder {
 
-SerialQueue::SerialQueue(std::string label)
+SerialQueue::SerialQueue(std::string label, Clock& clock)
     : m_label(std::move(label))
+    , m_clock(clock)
 {
     m_worker = std::thread([this] { run(); });
+    m_clock.attach(*this);
 }
 
 SerialQueue::~SerialQueue()
 {
+    m_clock.detach(*this);
     {
         std::lock_guard lock(m_mutex);
         m_stopping = true;
@@ -25,13 +28,13 @@ SerialQueue::~SerialQueue()
 
 void SerialQueue::async(Work work)
 {
-    enqueue(Clock::now(), nullptr, std::move(work));
+    enqueue(m_clock.now(), nullptr, std::move(work));
 }
 
 std::shared_ptr<WorkItem> SerialQueue::asyncAfter(std::chrono::milliseconds delay, Work work)
 {
     auto item = std::make_shared<WorkItem>();
-    enqueue(Clock::now() + delay, item, std::move(work));
+    enqueue(m_clock.now() + delay, item, std::move(work));
     return item;
 }
 
@@ -54,7 +57,19 @@ void SerialQueue::sync(const Work& work)
     doneSignal.wait(lock, [&] { return done; });
 }
 
-void SerialQueue::enqueue(Clock::time_point due, std::shared_ptr<WorkItem> item, Work work)
+void SerialQueue::runDueWork()
+{
+    while (true) {
+        // The empty work goes in after everything due by now, so it runs last of them.
+        sync([] {});
+        std::lock_guard lock(m_mutex);
+        if (m_stopping || m_pending.empty() || m_pending.begin()->first > m_clock.now()) {
+            return;
+        }
+    }
+}
+
+void SerialQueue::enqueue(Clock::TimePoint due, std::shared_ptr<WorkItem> item, Work work)
 {
     {
         std::lock_guard lock(m_mutex);
@@ -85,9 +100,9 @@ void SerialQueue::run()
             continue;
         }
         auto first = m_pending.begin();
-        if (Clock::time_point due = first->first; due > Clock::now()) {
+        if (Clock::TimePoint due = first->first; due > m_clock.now()) {
             // A copy: the entry may go while the lock is released during the wait.
-            m_wake.wait_until(lock, due);
+            m_clock.waitUntil(m_wake, lock, due);
             continue;
         }
         Entry entry = std::move(first->second);

@@ -29,9 +29,10 @@ void Vault::setShared(std::shared_ptr<Vault> vault)
     Shared::set(std::move(vault));
 }
 
-Vault::Vault(std::string path, std::optional<SymmetricKey> key)
+Vault::Vault(std::string path, std::optional<SymmetricKey> key, Clock& flushClock)
     : m_file(std::move(path), std::move(key))
-    , m_flush("local.velder.vault-flush", debounce, [this] { writeIfDirty(); })
+    , m_flush(
+          "local.velder.vault-flush", debounce, [this] { writeIfDirty(); }, flushClock)
 {
     VaultData data = m_file.load(VaultData());
     clampMaxHistory(data);

@@ -27,7 +27,9 @@ public:
     static void setShared(std::shared_ptr<Vault> vault);
 
     // Loads the file, clamps maxHistory and sets settingsVersion to 1; nothing is written until a change.
-    explicit Vault(std::string path, std::optional<SymmetricKey> key = KeychainKey::shared());
+    // `flushClock` times the debounce (tests move a ManualClock); it must outlive the vault.
+    explicit Vault(
+        std::string path, std::optional<SymmetricKey> key = KeychainKey::shared(), Clock& flushClock = Clock::steady());
 
     // The current record. Cheap: the record is shared and never changed in place, so a snapshot costs
     // one reference count and stays consistent however the vault changes later.

@@ -22,8 +22,8 @@ TEST(ActionTable, NamesAreUniqueAndEveryBrowserCommandButSelectTabHasARow)
             EXPECT_FALSE(row.description.empty()) << row.name << " has no line in the about page's key list";
         }
     }
-    for (int kind = static_cast<int>(BrowserAction::Kind::newTab); kind <= static_cast<int>(BrowserAction::Kind::settings);
-         ++kind) {
+    for (int kind = static_cast<int>(BrowserAction::Kind::newTab);
+         kind <= static_cast<int>(BrowserAction::Kind::settings); ++kind) {
         EXPECT_NE(ActionTable::forAction(static_cast<BrowserAction::Kind>(kind)), nullptr) << kind;
     }
     EXPECT_EQ(ActionTable::forAction(BrowserAction::selectTab(2)), nullptr);

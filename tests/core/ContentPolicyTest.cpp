@@ -22,6 +22,11 @@ std::vector<std::string> directives(const std::string& policy)
     return result;
 }
 
+bool has(const std::vector<std::string>& list, const std::string& item)
+{
+    return std::find(list.begin(), list.end(), item) != list.end();
+}
+
 } // namespace
 
 TEST(ContentPolicy, HashSourceIsSha256InBase64)
@@ -31,27 +36,26 @@ TEST(ContentPolicy, HashSourceIsSha256InBase64)
     EXPECT_EQ(ContentPolicy::hashSource(""), "'sha256-47DEQpj8HBSa+/TImW+5JCeuQeRkm5NMpJWZG3hSuFU='");
 }
 
-TEST(ContentPolicy, TheSettingsScriptRunsByItsHashAndNothingElseDoes)
+// Internal pages run the settings page's one script, by its hash, and nothing else; the error page, shown for
+// addresses a page chose, runs no script at all.
+TEST(ContentPolicy, OnlyTheSettingsScriptRuns)
 {
     ScopedStores stores;
     std::string page = SettingsPage::render(SettingsPage::Notice::none(), false);
     size_t open = page.find("<script>");
-    size_t close = page.find("</script>");
     ASSERT_NE(open, std::string::npos);
     ASSERT_EQ(page.find("<script", open + 1), std::string::npos) << "one script only";
-    std::string rendered = page.substr(open + 8, close - open - 8);
+    std::string rendered = page.substr(open + 8, page.find("</script>") - open - 8);
 
-    auto policy = directives(ContentPolicy::internalPages());
-    EXPECT_EQ(policy,
-        (std::vector<std::string> { "default-src 'none'", "img-src velder: data:", "style-src 'unsafe-inline'",
-            "script-src " + ContentPolicy::hashSource(rendered), "form-action velder:", "frame-ancestors 'none'",
-            "base-uri 'none'", "object-src 'none'" }));
-
-    auto errorPolicy = directives(ContentPolicy::errorPage());
-    EXPECT_EQ(
-        std::count_if(errorPolicy.begin(), errorPolicy.end(), [](auto& d) { return d.starts_with("script-src"); }), 0);
-    EXPECT_EQ(
-        std::count_if(errorPolicy.begin(), errorPolicy.end(), [](auto& d) { return d.starts_with("frame-ancestors"); }),
-        0);
-    EXPECT_EQ(errorPolicy.front(), "default-src 'none'");
+    auto internal = directives(ContentPolicy::internalPages());
+    auto error = directives(ContentPolicy::errorPage());
+    EXPECT_TRUE(has(internal, "script-src " + ContentPolicy::hashSource(rendered)));
+    EXPECT_TRUE(has(internal, "frame-ancestors 'none'"));
+    for (const auto* policy : { &internal, &error }) {
+        EXPECT_EQ(policy->front(), "default-src 'none'");
+        EXPECT_TRUE(has(*policy, "object-src 'none'"));
+        EXPECT_TRUE(has(*policy, "base-uri 'none'"));
+        EXPECT_TRUE(has(*policy, "form-action velder:"));
+    }
+    EXPECT_TRUE(std::none_of(error.begin(), error.end(), [](auto& d) { return d.starts_with("script-src"); }));
 }

@@ -2,6 +2,8 @@
 
 #include "support/ScopedStores.h"
 
+#include "CoreTestSupport.h"
+
 #include <gtest/gtest.h>
 
 using namespace velder;
@@ -52,73 +54,54 @@ TEST(DashboardPage, Ago)
     tzset();
 }
 
-TEST(DashboardPage, Tiles)
+TEST(DashboardPage, TilesEscapeWhatTheyShowAndLinkOnlyWebAddresses)
 {
     ScopedStores stores;
-    const std::vector<std::uint8_t> png { 0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A };
-    ASSERT_TRUE(stores.favicons().store(png, "a.example"));
+    ASSERT_TRUE(stores.favicons().store(pngSignature, "a.example"));
     struct Case {
         TopSite site;
-        const char* html;
+        std::vector<std::string> has;
+        std::vector<std::string> hasNot;
     };
     for (const Case& c :
         std::vector<Case> {
             { { "a.example", "https://a.example/?q=<x>&y", "A \"quoted\" <title>", 1, noon() - 5min, true },
-                "<div class=\"tile pinned\"><div class=\"head\"><img class=\"mark icon\" alt=\"\" "
-                "src=\"data:image/png;base64,iVBORw0KGgo=\"><div class=\"acts\"><a class=\"act\" "
-                "href=\"velder://dashboard/?unpin=a%2Eexample\" title=\"Let this tile move with the rest "
-                "again\">Unpin</a><a class=\"act\" href=\"velder://dashboard/?ignore=a%2Eexample\" title=\"Never "
-                "suggest this site here. History keeps it\">Ignore</a></div></div><a class=\"face\" "
-                "href=\"https://a.example/?q=&lt;x&gt;&amp;y\" title=\"https://a.example/?q=&lt;x&gt;&amp;y\"><span "
-                "class=\"name\">a.example</span><span class=\"sub\">A &quot;quoted&quot; &lt;title&gt;</span></a><span "
-                "class=\"meta\">1 visit \xC2\xB7 5 min ago</span></div>" },
+                { "class=\"tile pinned\"",
+                    "<img class=\"mark icon\" alt=\"\" src=\"data:image/png;base64,iVBORw0KGgo=\">",
+                    "href=\"velder://dashboard/?unpin=a%2Eexample\"", "href=\"velder://dashboard/?ignore=a%2Eexample\"",
+                    "<a class=\"face\" href=\"https://a.example/?q=&lt;x&gt;&amp;y\"",
+                    "<span class=\"sub\">A &quot;quoted&quot; &lt;title&gt;</span>",
+                    "<span class=\"meta\">1 visit \xC2\xB7 5 min ago</span>" },
+                { "<title>", "<x>", "?pin=" } },
             { { "b-b.example", "javascript:alert(1)", std::nullopt, 0, distantPast(), true },
-                "<div class=\"tile pinned\"><div class=\"head\"><span class=\"mark\">B</span><div "
-                "class=\"acts\"><a class=\"act\" href=\"velder://dashboard/?unpin=b%2Db%2Eexample\" title=\"Let this "
-                "tile move with the rest again\">Unpin</a><a class=\"act\" "
-                "href=\"velder://dashboard/?ignore=b%2Db%2Eexample\" title=\"Never suggest this site here. History "
-                "keeps it\">Ignore</a></div></div><span class=\"face\" title=\"javascript:alert(1)\"><span "
-                "class=\"name\">b-b.example</span><span class=\"sub\">b-b.example</span></span><span "
-                "class=\"meta\">Pinned</span></div>" },
+                { "<span class=\"mark\">B</span>", "<span class=\"face\" title=\"javascript:alert(1)\">",
+                    "<span class=\"sub\">b-b.example</span>", "?unpin=b%2Db%2Eexample\"",
+                    "<span class=\"meta\">Pinned</span>" },
+                { "href=\"javascript", "<img" } },
             { { "\xC3\xBC.example", "http://xn--tda.example/", "", 12, noon() - 3h, false },
-                "<div class=\"tile\"><div class=\"head\"><span class=\"mark\">\xC3\x9C</span><div "
-                "class=\"acts\"><a class=\"act\" href=\"velder://dashboard/?pin=%C3%BC%2Eexample\" title=\"Keep this "
-                "tile where it is, whatever history does\">Pin</a><a class=\"act\" "
-                "href=\"velder://dashboard/?ignore=%C3%BC%2Eexample\" title=\"Never suggest this site here. History "
-                "keeps it\">Ignore</a></div></div><a class=\"face\" href=\"http://xn--tda.example/\" "
-                "title=\"http://xn--tda.example/\"><span class=\"name\">\xC3\xBC.example</span><span "
-                "class=\"sub\">\xC3\xBC.example</span></a><span class=\"meta\">12 visits \xC2\xB7 3 hr "
-                "ago</span></div>" },
+                { "<div class=\"tile\">", "<span class=\"mark\">\xC3\x9C</span>", "?pin=%C3%BC%2Eexample\"",
+                    "<span class=\"sub\">\xC3\xBC.example</span>", "12 visits \xC2\xB7 3 hr ago" },
+                { "?unpin=" } },
         }) {
         SCOPED_TRACE(c.site.site);
-        EXPECT_EQ(DashboardPage::tile(c.site, noon()), c.html);
+        expectParts(DashboardPage::tile(c.site, noon()), c.has, c.hasNot);
     }
 }
 
-TEST(DashboardPage, RenderWithAndWithoutTiles)
+TEST(DashboardPage, RenderShowsTilesButNotTheIgnoredSites)
 {
     ScopedStores stores;
-    std::string empty = bodyOf(DashboardPage::render());
-    EXPECT_EQ(empty,
-        "<p class=\"empty\">Nothing to show yet. Sites you visit become tiles here, newest and most-used first "
-        "\xE2\x80\x94 pin the ones worth keeping, ignore the ones that are not.</p>");
+    expectParts(DashboardPage::render(), { "<h1>Dashboard</h1>", "<p class=\"empty\">Nothing to show yet." },
+        { "class=\"tiles\"", "ignored" });
 
     stores.history().record("https://a.example/", "<script>alert(1)</script>", velder::now());
     stores.history().record("https://b.example/", "", velder::now());
     stores.vault().update([](VaultData& data) { data.dashboardIgnored = { "b.example" }; });
-    std::string page = DashboardPage::render();
-    EXPECT_NE(page.find("<title>Dashboard</title>"), std::string::npos);
-    EXPECT_NE(page.find("<h1>Dashboard</h1>"), std::string::npos);
-    EXPECT_NE(page.find("<span>Dashboard</span>"), std::string::npos);
-    std::string body = bodyOf(page);
-    EXPECT_TRUE(body.starts_with("<div class=\"tiles\"><div class=\"tile\">")) << body;
-    EXPECT_EQ(body.find("<script>"), std::string::npos);
-    EXPECT_NE(body.find("&lt;script&gt;alert(1)&lt;/script&gt;"), std::string::npos);
-    EXPECT_EQ(body.find("b.example"), std::string::npos);
-    EXPECT_TRUE(body.ends_with("</div></div><div class=\"actions\"><span class=\"note\">1 site is ignored.</span><a "
-                               "class=\"act\" href=\"velder://dashboard/?restore=1\" title=\"Let every ignored site be "
-                               "suggested again\">Show them again</a></div>"))
-        << body;
+    std::string body = bodyOf(DashboardPage::render());
+    expectParts(body,
+        { "<div class=\"tiles\"><div class=\"tile\">", "&lt;script&gt;alert(1)&lt;/script&gt;", "1 site is ignored.",
+            "href=\"velder://dashboard/?restore=1\"" },
+        { "<script>", "b.example", "class=\"empty\"" });
 
     stores.vault().update([](VaultData& data) { data.dashboardIgnored = { "b.example", "c.example" }; });
     EXPECT_NE(DashboardPage::render().find("2 sites are ignored."), std::string::npos);

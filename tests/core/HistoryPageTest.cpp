@@ -2,17 +2,14 @@
 
 #include "support/ScopedStores.h"
 
+#include "CoreTestSupport.h"
+
 #include <gtest/gtest.h>
 
 using namespace velder;
 using namespace velder::test;
 
 namespace {
-
-Date at(const char* iso)
-{
-    return *parseIso8601(iso);
-}
 
 std::string bodyOf(const std::string& page)
 {
@@ -55,29 +52,29 @@ TEST(HistoryPage, DatesAreLocalMediumDatesWithShortTimes)
     }
 }
 
-TEST(HistoryPage, Rows)
+TEST(HistoryPage, RowsEscapeEverythingAndLinkOnlyWebAddresses)
 {
     ScopedTimeZone zone("UTC0");
     struct Case {
         HistoryEntry entry;
-        const char* html;
+        std::vector<std::string> has;
+        std::vector<std::string> hasNot;
     };
     for (const Case& c : std::vector<Case> {
              { { "https://a.example/?a=1&b=2", "<script>alert(1)</script>", at("2026-11-20T08:00:00Z"), 3 },
-                 "<tr>\n  <td><span class=\"title\"><a href=\"https://a.example/?a=1&amp;b=2\">&lt;script&gt;alert(1)"
-                 "&lt;/script&gt;</a></span><span class=\"url\">https://a.example/?a=1&amp;b=2</span></td>\n  <td "
-                 "class=\"when\">Nov 20, 2026, 08:00</td>\n  <td class=\"num\">3</td>\n</tr>" },
+                 { "<a href=\"https://a.example/?a=1&amp;b=2\">&lt;script&gt;alert(1)&lt;/script&gt;</a>",
+                     "<span class=\"url\">https://a.example/?a=1&amp;b=2</span>",
+                     "<td class=\"when\">Nov 20, 2026, 08:00</td>", "<td class=\"num\">3</td>" },
+                 { "<script>" } },
              { { "https://b.example/", "", at("2026-11-20T08:00:00Z"), 1 },
-                 "<tr>\n  <td><span class=\"title\"><a href=\"https://b.example/\">https://b.example/</a></span><span "
-                 "class=\"url\">https://b.example/</span></td>\n  <td class=\"when\">Nov 20, 2026, 08:00</td>\n  <td "
-                 "class=\"num\">1</td>\n</tr>" },
+                 { "<a href=\"https://b.example/\">https://b.example/</a>" }, {} },
              { { "javascript:alert('x')", "<b>Bold</b> & co", at("2026-11-20T08:00:00Z"), 12 },
-                 "<tr>\n  <td><span class=\"title\">&lt;b&gt;Bold&lt;/b&gt; &amp; co</span><span "
-                 "class=\"url\">javascript:alert(&#39;x&#39;)</span></td>\n  <td class=\"when\">Nov 20, 2026, "
-                 "08:00</td>\n  <td class=\"num\">12</td>\n</tr>" },
+                 { "<span class=\"title\">&lt;b&gt;Bold&lt;/b&gt; &amp; co</span>",
+                     "<span class=\"url\">javascript:alert(&#39;x&#39;)</span>" },
+                 { "href", "<b>" } },
          }) {
         SCOPED_TRACE(c.entry.url);
-        EXPECT_EQ(HistoryPage::row(c.entry), c.html);
+        expectParts(HistoryPage::row(c.entry), c.has, c.hasNot);
     }
 }
 
@@ -93,12 +90,10 @@ TEST(HistoryPage, Render)
     stores.history().record("https://a.example/", "A", at("2026-11-20T08:00:00Z"));
     stores.history().record("https://b.example/", "<script>B</script>", at("2026-11-20T09:00:00Z"));
     std::string body = bodyOf(HistoryPage::render());
-    EXPECT_EQ(body,
-        "<form method=\"get\" action=\"velder://history/\" class=\"actions\">\n  <button class=\"danger\" "
-        "type=\"submit\" name=\"clear\" value=\"1\">Clear history</button>\n</form><table>\n  "
-        "<thead><tr><th>Page</th><th>Last visit</th><th class=\"num\">Visits</th></tr></thead>\n  <tbody>"
-            + HistoryPage::row(stores.history().entries()[0]) + HistoryPage::row(stores.history().entries()[1])
-            + "</tbody>\n</table>");
+    EXPECT_NE(body.find("name=\"clear\""), std::string::npos);
+    EXPECT_NE(
+        body.find(HistoryPage::row(stores.history().entries()[0]) + HistoryPage::row(stores.history().entries()[1])),
+        std::string::npos);
     EXPECT_LT(body.find("b.example"), body.find("a.example")) << "newest first";
     EXPECT_EQ(body.find("<script>"), std::string::npos);
 }

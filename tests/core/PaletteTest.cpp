@@ -4,119 +4,113 @@
 #include "support/ScopedStores.h"
 
 #include <gtest/gtest.h>
+#include <set>
 
 using namespace velder;
 using namespace velder::test;
 
 namespace {
 
-std::string hexOf(const Swatch& swatch)
+// Every colour the user can pick, and the greys either side of the black-or-white threshold.
+std::vector<Color> colours()
 {
-    return swatch.key + "=" + PageShell::hex(swatch.color) + "/" + swatch.label;
+    std::vector<Color> result { Color::fromHex(0x949494), Color::fromHex(0x989898) };
+    for (const auto& swatch : Palette::surface()) {
+        result.push_back(swatch.color);
+    }
+    return result;
 }
 
 } // namespace
 
-TEST(Palette, SwatchListsInOrder)
+TEST(Palette, SurfacesAreTheInksWithGunmetalAndNoKeyRepeats)
 {
-    std::vector<std::string> ink;
-    for (const auto& swatch : Palette::ink()) {
-        ink.push_back(hexOf(swatch));
+    for (const auto* list : { &Palette::ink(), &Palette::surface() }) {
+        std::set<std::string> keys;
+        for (const auto& swatch : *list) {
+            EXPECT_TRUE(keys.insert(swatch.key).second) << swatch.key;
+            EXPECT_FALSE(swatch.label.empty()) << swatch.key;
+        }
     }
-    EXPECT_EQ(ink,
-        (std::vector<std::string> { "black=#000000/Black", "charcoal=#404040/Charcoal", "grey=#808080/Grey",
-            "silver=#c0c0c0/Silver", "white=#ffffff/White", "red=#e05252/Red", "orange=#e08a30/Orange",
-            "yellow=#d8c840/Yellow", "green=#52c46e/Green", "cyan=#c0ffff/Cyan", "blue=#5a9bea/Blue",
-            "magenta=#c000c0/Magenta", "pink=#ffb6c1/Light Pink", "lavender=#c9a9e9/Lavender" }));
-    ASSERT_EQ(Palette::surface().size(), ink.size() + 1);
-    EXPECT_EQ(hexOf(Palette::surface()[1]), "gunmetal=#282828/Gunmetal");
-    EXPECT_EQ(hexOf(Palette::surface()[0]), ink[0]);
-    EXPECT_EQ(hexOf(Palette::surface()[2]), ink[1]);
-    EXPECT_FALSE(Palette::contains("gunmetal", Palette::ink()));
-    EXPECT_TRUE(Palette::contains("gunmetal", Palette::surface()));
+    std::vector<Swatch> surfaces = Palette::surface();
+    ASSERT_EQ(surfaces.at(1).key, "gunmetal");
+    surfaces.erase(surfaces.begin() + 1);
+    ASSERT_EQ(surfaces.size(), Palette::ink().size());
+    for (size_t i = 0; i < surfaces.size(); ++i) {
+        EXPECT_EQ(surfaces[i].key, Palette::ink()[i].key);
+        EXPECT_EQ(surfaces[i].color, Palette::ink()[i].color);
+    }
 }
 
-TEST(Palette, ColorFallsBackToTheTablesFallbackNotToGrey)
+// Each colour setting shows its swatch, and falls back to its default for a key outside its list.
+TEST(Palette, SettingsShowTheirSwatchOrTheirDefault)
 {
-    struct Case {
-        const char* key;
-        const std::vector<Swatch>* list;
-        const char* fallback;
-        const char* hex;
+    struct Setting {
+        const char* name;
+        std::string AppSettings::*key;
+        Color (*colour)(const AppSettings&);
+        const std::vector<Swatch>& list;
     };
-    for (const Case& c : std::vector<Case> {
-             { "red", &Palette::ink(), "cyan", "#e05252" },
-             { "nonsense", &Palette::ink(), "cyan", "#c0ffff" },
-             { "gunmetal", &Palette::ink(), "cyan", "#c0ffff" },
-             { "gunmetal", &Palette::surface(), "charcoal", "#282828" },
-             { "Red", &Palette::ink(), "magenta", "#c000c0" },
-             { "nonsense", &Palette::ink(), "also-nonsense", "#808080" },
+    for (const Setting& setting : std::vector<Setting> {
+             { "text", &AppSettings::textColor, Palette::textColor, Palette::ink() },
+             { "highlight", &AppSettings::highlightColor, Palette::highlightColor, Palette::ink() },
+             { "passive", &AppSettings::passiveColor, Palette::passiveColor, Palette::ink() },
+             { "field", &AppSettings::fieldColor, Palette::fieldColor, Palette::surface() },
+             { "border", &AppSettings::borderColor, Palette::borderColor, Palette::surface() },
          }) {
-        SCOPED_TRACE(std::string(c.key) + " / " + c.fallback);
-        EXPECT_EQ(PageShell::hex(Palette::color(c.key, *c.list, c.fallback)), c.hex);
+        SCOPED_TRACE(setting.name);
+        const Color fallback = setting.colour(AppSettings());
+        EXPECT_TRUE(Palette::contains(AppSettings().*setting.key, setting.list));
+        AppSettings settings;
+        for (const auto& swatch : Palette::surface()) {
+            settings.*setting.key = swatch.key;
+            EXPECT_EQ(setting.colour(settings), Palette::contains(swatch.key, setting.list) ? swatch.color : fallback)
+                << swatch.key;
+        }
+        for (const char* outside : { "", "nonsense", "Red" }) {
+            settings.*setting.key = outside;
+            EXPECT_EQ(setting.colour(settings), fallback) << outside;
+        }
     }
-}
+    EXPECT_EQ(Palette::color("nonsense", Palette::ink(), "also-nonsense"), (Color { 0.5, 0.5, 0.5, 1 }));
 
-TEST(Palette, SettingsColorsReadTheVaultEachTime)
-{
     ScopedStores stores;
-    EXPECT_EQ(PageShell::hex(Palette::textColor()), "#c0ffff");
-    EXPECT_EQ(PageShell::hex(Palette::borderColor()), "#282828");
-    stores.setSettings([](AppSettings& s) {
-        s.textColor = "gunmetal";
-        s.fieldColor = "gunmetal";
-        s.highlightColor = "blue";
-        s.passiveColor = "white";
-        s.borderColor = "nope";
-    });
-    EXPECT_EQ(PageShell::hex(Palette::textColor()), "#c0ffff");
-    EXPECT_EQ(PageShell::hex(Palette::fieldColor()), "#282828");
-    EXPECT_EQ(PageShell::hex(Palette::highlightColor()), "#5a9bea");
-    EXPECT_EQ(PageShell::hex(Palette::passiveColor()), "#ffffff");
-    EXPECT_EQ(PageShell::hex(Palette::borderColor()), "#282828");
+    stores.setSettings([](AppSettings& s) { s.borderColor = "red"; });
+    EXPECT_EQ(Palette::borderColor(), Color::fromHex(0xE05252)) << "read from the vault on each call";
 }
 
-TEST(Theme, Arithmetic)
+TEST(Theme, ContrastAndShadingKeepTheirPromises)
 {
-    EXPECT_NEAR(Theme::luminance(Color::fromHex(0xFFFFFF)), 1.0, 1e-12);
-    EXPECT_NEAR(Theme::luminance(Color::fromHex(0x000000)), 0.0, 1e-12);
-    // 0x80: 128/255 = 0.50196 -> ((0.50196 + 0.055) / 1.055) ^ 2.4 = 0.21586
+    const Color black { 0, 0, 0, 1 }, white { 1, 1, 1, 1 };
+    EXPECT_NEAR(Theme::contrastRatio(white, black), 21.0, 1e-9);
+    // 0x80: ((128/255 + 0.055) / 1.055) ^ 2.4; below the knee a component is divided by 12.92.
     EXPECT_NEAR(Theme::luminance(Color::fromHex(0x808080)), 0.21586, 1e-5);
-    // Below the knee a component is divided by 12.92: 10/255 / 12.92.
     EXPECT_NEAR(Theme::luminance(Color::fromHex(0x0A0000)), 0.2126 * (10 / 255.0) / 12.92, 1e-12);
-    EXPECT_NEAR(Theme::contrastRatio(Color::fromHex(0xFFFFFF), Color::fromHex(0x000000)), 21.0, 1e-9);
-    EXPECT_NEAR(Theme::contrastRatio(Color::fromHex(0x000000), Color::fromHex(0xFFFFFF)), 21.0, 1e-9);
-
-    struct Case {
-        unsigned rgb;
-        const char* blackOrWhite;
-        const char* lift35;
-        const char* shade12;
-    };
-    for (const Case& c : std::vector<Case> {
-             // shade: light colours (luminance above 0.5) darken, others lift.
-             { 0x000000, "#ffffff", "#595959", "#1f1f1f" },
-             { 0xFFFFFF, "#000000", "#ffffff", "#e0e0e0" },
-             { 0xC0FFFF, "#000000", "#d6ffff", "#a9e0e0" },
-             { 0x404040, "#ffffff", "#838383", "#575757" },
-             // 0.299*192 + 0.587*0 + 0.114*192 = 79.3: dark.
-             { 0xC000C0, "#ffffff", "#d659d6", "#c81fc8" },
-             // Either side of 150 for black or white, and of luminance 0.5 for shade.
-             { 0x949494, "#ffffff", "#b9b9b9", "#a1a1a1" },
-             { 0x989898, "#000000", "#bcbcbc", "#a4a4a4" },
-             { 0xBBBBBB, "#000000", "#d3d3d3", "#c3c3c3" },
-             { 0xBCBCBC, "#000000", "#d3d3d3", "#a5a5a5" },
-         }) {
-        SCOPED_TRACE(c.rgb);
-        Color color = Color::fromHex(c.rgb);
-        EXPECT_EQ(PageShell::hex(Theme::blackOrWhiteOn(color)), c.blackOrWhite);
-        EXPECT_EQ(PageShell::hex(Theme::lift(color, 0.35)), c.lift35);
-        EXPECT_EQ(PageShell::hex(Theme::shade(color, 0.12)), c.shade12);
+    for (const Color& a : colours()) {
+        SCOPED_TRACE(PageShell::hex(a));
+        Color blackOrWhite = Theme::blackOrWhiteOn(a);
+        EXPECT_TRUE(blackOrWhite == black || blackOrWhite == white);
+        EXPECT_EQ(Theme::lift(a, 0), a);
+        EXPECT_EQ(Theme::lift(a, 1), white);
+        EXPECT_EQ(Theme::lift(a.withAlpha(0.2), 0.5).alpha, 1);
+        double lum = Theme::luminance(a);
+        EXPECT_GE(Theme::luminance(Theme::lift(a, 0.35)), lum);
+        // Light colours are shaded darker, the others lighter.
+        EXPECT_EQ(Theme::luminance(Theme::shade(a, 0.12)) < lum, lum > 0.5);
+        for (const Color& b : colours()) {
+            double ratio = Theme::contrastRatio(a, b);
+            EXPECT_DOUBLE_EQ(ratio, Theme::contrastRatio(b, a));
+            EXPECT_GE(ratio, 1.0);
+            EXPECT_EQ(Theme::readable(a, b), ratio >= 3.0 ? a : Theme::blackOrWhiteOn(b));
+        }
     }
-    EXPECT_EQ(Theme::lift(Color::fromHex(0x102030).withAlpha(0.2), 0.5).alpha, 1);
+    // Black or white by perceived brightness either side of 150: 0x94 is 148, 0x98 is 152.
+    EXPECT_EQ(Theme::blackOrWhiteOn(Color::fromHex(0x949494)), white);
+    EXPECT_EQ(Theme::blackOrWhiteOn(Color::fromHex(0x989898)), black);
+    EXPECT_EQ(Theme::blackOrWhiteOn(Color::fromHex(0xC000C0)), white) << "magenta is dark by brightness";
 }
 
-TEST(Theme, ContrastRule)
+TEST(Theme, TheTextOnTheFieldFollowsTheContrastRule)
 {
     struct Case {
         const char* text;
@@ -125,8 +119,8 @@ TEST(Theme, ContrastRule)
     };
     ScopedStores stores;
     for (const Case& c : std::vector<Case> {
-             { "cyan", "charcoal", "#c0ffff" }, { "cyan", "white", "#000000" }, { "black", "gunmetal", "#ffffff" },
-             { "white", "black", "#ffffff" }, { "grey", "charcoal", "#ffffff" }, // 2.6:1
+             { "cyan", "charcoal", "#c0ffff" }, { "cyan", "white", "#000000" },
+             { "grey", "charcoal", "#ffffff" }, // 2.6:1
              { "blue", "white", "#000000" }, // 2.9:1
              { "blue", "black", "#5a9bea" }, // 7.3:1
          }) {

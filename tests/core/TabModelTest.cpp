@@ -39,9 +39,7 @@ TEST(TabModel, ClosingKeepsTheActiveTabUnlessItIsTheOneThatGoes)
         const char* nowActive;
     };
     for (const Row& row : std::initializer_list<Row> {
-             { 0, "c", "abd", "a" },
-             { 3, "b", "acd", "d" },
-             { 1, "d", "abc", "b" },
+             { 0, "c", "abd", "a" }, { 3, "b", "acd", "d" }, { 1, "d", "abc", "b" },
              { 2, "c", "abd", "d" }, // the tab now at its place
              { 3, "d", "abc", "c" }, // the last one: the new last
              { 1, "x", "abcd", "b" }, // not here: nothing changes

@@ -2,9 +2,9 @@
 
 #include "ShellTest.h"
 
+#include "bridge/VLDContextMenuInfo.h"
 #include "shell/tab/BrowserTab.h"
 #include "shell/window/MainWindow.h"
-#include "bridge/VLDContextMenuInfo.h"
 #include "shell/window/MenuBar.h"
 #include "shell/window/WindowMenus.h"
 

@@ -64,7 +64,4 @@ bool fileExists(const std::string& path);
 // prefix + n: GCC 12 warns falsely (-Wrestrict) on "literal" + std::to_string(n) at -O3.
 std::string numbered(std::string_view prefix, long long n);
 
-// Polls the condition every few milliseconds until it holds or the timeout passes; returns the last answer.
-bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout);
-
 } // namespace velder::test

@@ -1,0 +1,52 @@
+#pragma once
+
+// Small helpers shared by the core tests.
+
+#include "core/Date.h"
+#include "core/Log.h"
+
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace velder::test {
+
+inline Date at(const char* iso)
+{
+    return *parseIso8601(iso);
+}
+
+// The eight bytes that make a PNG for the icon store.
+inline const std::vector<std::uint8_t> pngSignature { 0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A };
+
+// Exactly one line was logged: "Velder: <text>", with a reason in parentheses where the text says "(…)".
+inline void expectOneLine(const LogCapture& log, const std::string& text)
+{
+    auto lines = log.lines();
+    ASSERT_EQ(lines.size(), 1u) << testing::PrintToString(lines);
+    std::string expected = "Velder: " + text;
+    size_t reason = expected.find("(\xE2\x80\xA6)");
+    if (reason == std::string::npos) {
+        EXPECT_EQ(lines[0], expected);
+        return;
+    }
+    std::string head = expected.substr(0, reason + 1);
+    std::string tail = expected.substr(reason + 4);
+    EXPECT_TRUE(lines[0].starts_with(head) && lines[0].ends_with(tail) && lines[0].size() > head.size() + tail.size())
+        << lines[0];
+}
+
+// Each of `has` is in the text and none of `hasNot`.
+inline void expectParts(
+    const std::string& text, const std::vector<std::string>& has, const std::vector<std::string>& hasNot = {})
+{
+    for (const auto& part : has) {
+        EXPECT_NE(text.find(part), std::string::npos) << part << "\nmissing from\n" << text;
+    }
+    for (const auto& part : hasNot) {
+        EXPECT_EQ(text.find(part), std::string::npos) << part << "\nfound in\n" << text;
+    }
+}
+
+} // namespace velder::test
