@@ -5,9 +5,12 @@
 #include "core/SecureJsonFile.h"
 #include "core/VaultData.h"
 #include "support/ChildProcess.h"
+#include "support/RealInput.h"
 #include "support/TestSupport.h"
 
 #include <csignal>
+#include <filesystem>
+#include <gdk/gdkkeysyms.h>
 #include <gtest/gtest.h>
 
 using namespace velder;
@@ -44,12 +47,21 @@ std::map<std::string, std::optional<std::string>> profileEnvironment(const TempD
         { "HOME", root.file("home") }, { "DBUS_SESSION_BUS_ADDRESS", bus.address() } };
 }
 
-VaultData savedVault(const TempDir& root)
+SecureJsonFile<VaultData> vaultFile(const TempDir& root)
 {
     std::string folder = root.file("data") + "/Velder";
-    auto key = KeychainKey::loadOrCreate(folder + "/vault.key");
-    return SecureJsonFile<VaultData>(folder + "/vault.bin", key).load(VaultData());
+    std::filesystem::create_directories(folder);
+    return SecureJsonFile<VaultData>(folder + "/vault.bin", KeychainKey::loadOrCreate(folder + "/vault.key"));
 }
+
+VaultData savedVault(const TempDir& root)
+{
+    return vaultFile(root).load(VaultData());
+}
+
+// The middle of the first window, which opens centred on the test's 1600x1000 screen.
+constexpr int windowMiddleX = 800;
+constexpr int windowMiddleY = 500;
 
 } // namespace
 
@@ -97,5 +109,43 @@ TEST(Startup, ASecondLaunchHandsItsAddressToTheRunningVelder)
     VaultData saved = savedVault(root);
     ASSERT_EQ(saved.windows.size(), 1u);
     EXPECT_EQ(saved.windows[0].tabs, (std::vector<std::string> { "about:blank", "velder://history/" }));
+    EXPECT_EQ(saved.windows[0].activeTab, 1);
+}
+
+TEST(Startup, CtrlQInAPageQuitsAndSavesTheSession)
+{
+    TempDir root;
+    PrivateSessionBus bus;
+    ChildProcess velder({ VELDER_BINARY, "velder://about/" }, profileEnvironment(root, bus));
+    ASSERT_TRUE(velder.waitForLine("Velder: chrome geometry", 60s)) << velder.errorText();
+    if (!RealInput::pressKeyOnScreen(windowMiddleX, windowMiddleY, GDK_KEY_q, { GDK_KEY_Control_L })) {
+        velder.signal(SIGTERM);
+        GTEST_SKIP() << "needs XTest";
+    }
+    EXPECT_EQ(velder.wait(30s), 0) << velder.errorText();
+    VaultData saved = savedVault(root);
+    ASSERT_EQ(saved.windows.size(), 1u);
+    EXPECT_EQ(saved.windows[0].tabs, std::vector<std::string> { "velder://about/" });
+}
+
+TEST(Startup, ARestoredWindowComesBackWithTheTabThatWasActive)
+{
+    TempDir root;
+    PrivateSessionBus bus;
+    VaultData vault;
+    WindowSession window;
+    window.tabs = { "velder://about/", "velder://history/", "about:blank" };
+    window.activeTab = 1;
+    vault.windows = { window };
+    ASSERT_TRUE(vaultFile(root).save(vault));
+
+    // Restored, then captured again at quit: what comes back is what was active.
+    ChildProcess velder({ VELDER_BINARY }, profileEnvironment(root, bus));
+    ASSERT_TRUE(velder.waitForLine("Velder: chrome geometry", 60s)) << velder.errorText();
+    velder.signal(SIGTERM);
+    EXPECT_EQ(velder.wait(30s), 0) << velder.errorText();
+    VaultData saved = savedVault(root);
+    ASSERT_EQ(saved.windows.size(), 1u);
+    EXPECT_EQ(saved.windows[0].tabs, window.tabs);
     EXPECT_EQ(saved.windows[0].activeTab, 1);
 }

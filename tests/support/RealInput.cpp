@@ -122,4 +122,38 @@ void pressKey(GtkWidget* widget, unsigned keyval, std::initializer_list<unsigned
     XSync(display, False);
 }
 
+bool pressKeyOnScreen(int x, int y, unsigned keyval, std::initializer_list<unsigned> modifiers)
+{
+    Display* display = XOpenDisplay(nullptr);
+    if (!display) {
+        return false;
+    }
+    bool pressed = false;
+    if (xtest()) {
+        xtest()->fakeMotion(display, -1, x, y, CurrentTime);
+        XSync(display, False);
+        Window root = 0;
+        Window child = 0;
+        int rootX = 0, rootY = 0, windowX = 0, windowY = 0;
+        unsigned mask = 0;
+        XQueryPointer(display, DefaultRootWindow(display), &root, &child, &rootX, &rootY, &windowX, &windowY, &mask);
+        if (child) {
+            XRaiseWindow(display, child);
+            XSetInputFocus(display, child, RevertToParent, CurrentTime);
+            for (unsigned modifier : modifiers) {
+                keyEvent(display, modifier, true);
+            }
+            keyEvent(display, keyval, true);
+            keyEvent(display, keyval, false);
+            for (unsigned modifier : modifiers) {
+                keyEvent(display, modifier, false);
+            }
+            pressed = true;
+        }
+        XSync(display, False);
+    }
+    XCloseDisplay(display);
+    return pressed;
+}
+
 } // namespace velder::test::RealInput

@@ -21,6 +21,10 @@ void click(GtkWidget* widget, double x, double y, unsigned button = 1, std::init
 // the widget's window (the widget itself must have GTK's focus to get the key).
 void pressKey(GtkWidget* widget, unsigned keyval, std::initializer_list<unsigned> modifiers = {});
 
+// For another process's window: moves the pointer to (x, y) on the screen, gives the keyboard to the window
+// there and presses the key while holding the modifiers. False without XTest or a window at that point.
+bool pressKeyOnScreen(int x, int y, unsigned keyval, std::initializer_list<unsigned> modifiers = {});
+
 } // namespace RealInput
 
 } // namespace velder::test
