@@ -176,6 +176,46 @@ TEST_F(BrowserWindowTest, ReturnOnASelectedSuggestionOpensThatRow)
     EXPECT_FALSE(window->suggestions().isShowing());
 }
 
+// A row walked to with the arrows is only shown in the field: Escape, or leaving the field, gives back the
+// text typed or the page's own address.
+TEST_F(BrowserWindowTest, TheFieldNeverKeepsARowWalkedPast)
+{
+    for (const char* path : { "/start", "/alpha", "/beta" }) {
+        server.route(path, TestResponse::html(page(std::string("Page ") + (path + 1))));
+    }
+    auto window = openWindow({ "/start" });
+    HistoryStore::shared().record(server.url("/alpha"), "Alpha", now());
+    HistoryStore::shared().record(server.url("/beta"), "Beta", now());
+    GtkWidget* root = GTK_WIDGET(window->window());
+    auto typeAndWalk = [&] {
+        RealInput::pressKey(root, GDK_KEY_l, { GDK_KEY_Control_L });
+        for (unsigned key : { GDK_KEY_1, GDK_KEY_2, GDK_KEY_7 }) {
+            RealInput::pressKey(root, key);
+        }
+        EXPECT_TRUE(runMainLoopUntil([&] { return window->suggestions().entries().size() >= 2; }));
+        RealInput::pressKey(root, GDK_KEY_Down);
+        RealInput::pressKey(root, GDK_KEY_Down);
+        EXPECT_TRUE(runMainLoopUntil([&] { return window->addressBar().text().starts_with("http"); }));
+    };
+    std::string own = server.url("/start");
+
+    typeAndWalk();
+    RealInput::pressKey(root, GDK_KEY_Escape);
+    EXPECT_TRUE(runMainLoopUntil([&] { return window->addressBar().text() == "127"; }))
+        << "the first Escape gives back what was typed";
+    RealInput::pressKey(root, GDK_KEY_Escape);
+    EXPECT_TRUE(runMainLoopUntil([&] { return window->addressBar().text() == own; }))
+        << "the second gives back the page's address";
+    ASSERT_TRUE(touchPage(*window));
+    EXPECT_EQ(window->addressBar().text(), own);
+
+    typeAndWalk();
+    ASSERT_TRUE(touchPage(*window));
+    EXPECT_TRUE(runMainLoopUntil([&] { return !window->addressBar().isEditing(); }));
+    EXPECT_EQ(window->addressBar().text(), "127") << "leaving the field keeps what was typed, not the row walked to";
+    EXPECT_EQ(window->activeTab()->url, own);
+}
+
 TEST_F(BrowserWindowTest, CtrlWInAPageClosesTheTab)
 {
     server.route("/one", TestResponse::html(page("One")));

@@ -102,6 +102,11 @@ void MainWindow::buildChrome()
     m_chrome->connect(weak);
     m_addressEditing = std::make_unique<AddressEditing>(
         addressBar(), suggestions(),
+        [weak] {
+            auto self = weak.lock();
+            auto tab = self ? self->activeTab() : nullptr;
+            return tab ? tab->url : std::string();
+        },
         [weak](const std::string& url) {
             if (auto self = weak.lock()) {
                 self->navigateActiveTab(url);
