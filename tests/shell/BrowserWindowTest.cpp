@@ -8,6 +8,7 @@
 #include "bridge/VLDBrowserView.h"
 #include "core/Palette.h"
 #include "shell/chrome/AddressBar.h"
+#include "shell/chrome/TabSlot.h"
 #include "shell/chrome/TabStrip.h"
 #include "shell/overlays/FindBar.h"
 #include "shell/overlays/UrlSuggestions.h"
@@ -214,6 +215,32 @@ TEST_F(BrowserWindowTest, TheFieldNeverKeepsARowWalkedPast)
     EXPECT_TRUE(runMainLoopUntil([&] { return !window->addressBar().isEditing(); }));
     EXPECT_EQ(window->addressBar().text(), "127") << "leaving the field keeps what was typed, not the row walked to";
     EXPECT_EQ(window->activeTab()->url, own);
+}
+
+// The tab strip by the mouse: a middle click closes a background tab and leaves the active one active, the
+// wheel walks the tabs without wrapping, and each slot's tool tip names its tab's title and address.
+TEST_F(BrowserWindowTest, TheStripByTheMouse)
+{
+    for (const char* path : { "/a", "/b", "/c", "/d" }) {
+        server.route(path, TestResponse::html(page(std::string("Tab ") + (path + 1))));
+    }
+    auto window = openWindow({ "/a", "/b", "/c", "/d" });
+    window->perform(BrowserAction::selectTab(1));
+    TabStrip& strip = window->strip();
+    RealInput::click(strip.slot(2).widget(), 40, 12, 2);
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->tabs().size() == 3; }));
+    EXPECT_EQ(window->activeTab()->url, server.url("/a")) << "closing a background tab keeps the active one";
+    ASSERT_TRUE(runMainLoopUntil([&] { return strip.slotCount() == 3; }));
+    EXPECT_STREQ(gtk_widget_get_tooltip_text(strip.slot(2).widget()), ("Tab d\n" + server.url("/d")).c_str());
+
+    GtkWidget* first = strip.slot(0).widget();
+    for (const char* expected : { "/b", "/d", "/d" }) {
+        RealInput::click(first, 40, 12, 5); // the wheel turned down
+        EXPECT_TRUE(runMainLoopUntil([&] { return window->activeTab()->url == server.url(expected); }))
+            << "after a turn the active tab should be " << expected;
+    }
+    RealInput::click(first, 40, 12, 4); // up
+    EXPECT_TRUE(runMainLoopUntil([&] { return window->activeTab()->url == server.url("/b"); }));
 }
 
 TEST_F(BrowserWindowTest, CtrlWInAPageClosesTheTab)

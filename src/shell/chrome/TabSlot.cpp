@@ -156,16 +156,20 @@ TabSlot::~TabSlot()
     setOwner<TabSlot>(m_widget.get(), nullptr);
 }
 
-void TabSlot::configure(int index, const std::string& title, bool isActive)
+void TabSlot::configure(int index, const std::string& title, const std::string& address, bool isActive)
 {
     m_index = index;
-    bool retitled = title != m_title;
+    bool retitled = title != m_title || address != m_address;
     bool changed = retitled || isActive != m_isActive;
     m_title = title;
+    m_address = address;
     m_isActive = isActive;
-    // The window re-titles every slot on each refresh; a tooltip set again would be looked up again.
+    // The window re-titles every slot on each refresh; a tooltip set again would be looked up again. One that
+    // shows while another tab slides under the pointer is asked again at once, so it never names the old tab.
     if (retitled) {
-        gtk_widget_set_tooltip_text(m_widget.get(), title.empty() ? nullptr : title.c_str());
+        std::string tip = address.empty() || address == title ? title : title + "\n" + address;
+        gtk_widget_set_tooltip_text(m_widget.get(), tip.empty() ? nullptr : tip.c_str());
+        gtk_widget_trigger_tooltip_query(m_widget.get());
         gtk_accessible_update_property(
             GTK_ACCESSIBLE(m_widget.get()), GTK_ACCESSIBLE_PROPERTY_LABEL, title.c_str(), -1);
     }

@@ -33,7 +33,7 @@ public:
     bool isCloseButtonShown() const { return m_isCloseButtonShown; }
 
     // From the strip's setTabs: the title is also the tooltip and the accessible label.
-    void configure(int index, const std::string& title, bool isActive);
+    void configure(int index, const std::string& title, const std::string& address, bool isActive);
 
     // The close button shows on a slot at least 46 wide, or hovered, or active.
     static bool showsCloseButton(double width, bool isHovered, bool isActive);
@@ -58,6 +58,7 @@ private:
     ChromeButton m_closeButton;
     int m_index = 0;
     std::string m_title;
+    std::string m_address;
     bool m_isActive = false;
     bool m_isHovered = false;
     bool m_isCloseButtonShown = true;

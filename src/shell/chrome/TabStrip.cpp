@@ -42,6 +42,17 @@ static void velder_tab_strip_init(VelderTabStrip* self)
 {
     gtk_widget_set_overflow(GTK_WIDGET(self), GTK_OVERFLOW_HIDDEN);
     gtk_widget_set_hexpand(GTK_WIDGET(self), TRUE);
+    // The wheel, or a touchpad's scroll in whole steps, over the strip walks the tabs, as Linux browsers do:
+    // the only way to the slots clipped under the "+" besides the keys.
+    GtkEventController* scroll = gtk_event_controller_scroll_new(
+        GtkEventControllerScrollFlags(GTK_EVENT_CONTROLLER_SCROLL_VERTICAL | GTK_EVENT_CONTROLLER_SCROLL_DISCRETE));
+    g_signal_connect(scroll, "scroll",
+        G_CALLBACK(+[](GtkEventControllerScroll*, double, double dy, gpointer widget) -> gboolean {
+            auto* strip = velder::ownerOf<velder::TabStrip>(widget);
+            return strip && dy != 0 && strip->step(dy > 0 ? 1 : -1);
+        }),
+        self);
+    gtk_widget_add_controller(GTK_WIDGET(self), scroll);
 }
 
 namespace velder {
@@ -66,6 +77,18 @@ TabStrip::~TabStrip()
     setOwner<TabStrip>(m_widget.get(), nullptr);
 }
 
+bool TabStrip::step(int direction)
+{
+    int target = m_activeIndex + direction;
+    if (target < 0 || target >= static_cast<int>(m_items.size())) {
+        return true; // the ends don't wrap, and the wheel goes no further
+    }
+    if (auto select = onSelect) {
+        select(target);
+    }
+    return true;
+}
+
 void TabStrip::setLeadingInset(double inset)
 {
     m_leadingInset = inset;
@@ -88,7 +111,7 @@ void TabStrip::setTabs(std::vector<Item> items, int activeIndex)
         m_slots.pop_back();
     }
     for (int i = 0; i < count; ++i) {
-        m_slots[i]->configure(i, m_items[i].title, i == m_activeIndex);
+        m_slots[i]->configure(i, m_items[i].title, m_items[i].address, i == m_activeIndex);
     }
     if (m_dragIndex && *m_dragIndex >= count) {
         m_dragIndex.reset();

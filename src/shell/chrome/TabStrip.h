@@ -27,6 +27,7 @@ class TabStrip {
 public:
     struct Item {
         std::string title;
+        std::string address; // shown with the title in the slot's tool tip
     };
 
     static constexpr double maximumSlotWidth = 200;
@@ -55,6 +56,8 @@ public:
     // Re-uses the slots it has (a slot doesn't stay with one tab), adding or removing them at the end.
     // The active index is clamped to the items, never below 0.
     void setTabs(std::vector<Item> items, int activeIndex);
+    // Asks for the tab before (-1) or after (1) the active one, without wrapping round: the wheel's step.
+    bool step(int direction);
     const std::vector<Item>& items() const { return m_items; }
     int activeIndex() const { return m_activeIndex; }
     std::size_t slotCount() const { return m_slots.size(); }

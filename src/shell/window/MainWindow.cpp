@@ -408,7 +408,7 @@ void MainWindow::refreshChrome()
     auto tab = activeTab();
     std::vector<TabStrip::Item> items;
     for (const auto& each : m_tabs.tabs()) {
-        items.push_back({ each->displayTitle() });
+        items.push_back({ each->displayTitle(), UrlHelper::isBlank(each->url) ? "" : each->url });
     }
     strip().setTabs(items, static_cast<int>(m_tabs.activeIndex()));
     m_chrome->toolbar().setNavigation(tab && tab->canGoBack, tab && tab->canGoForward, tab && tab->isLoading);
