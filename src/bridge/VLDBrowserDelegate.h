@@ -102,6 +102,9 @@ public:
         return false;
     }
 
+    // The pointer is over a link to `url`, or over no link (empty).
+    virtual void didHoverLink(VLDBrowserView&, const std::string& /*url*/) { }
+
     // Context menus: true keeps the engine's own menu.
     virtual bool shouldShowContextMenu(VLDBrowserView&, const VLDContextMenuInfo&) { return true; }
 };

@@ -97,6 +97,7 @@ public:
     unsigned redirectCount = 0;
     // The page's selected text, as its selection script last posted it.
     std::string selectionText;
+    std::string hoveredLink; // the link under the pointer, as last reported
 
 private:
     void createBrowser();

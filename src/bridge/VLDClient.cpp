@@ -325,6 +325,22 @@ gboolean onPermissionRequest(WebKitWebView*, WebKitPermissionRequest* request, g
     return FALSE;
 }
 
+// The pointer moved onto or off a link: the owner shows where the link goes.
+void onMouseTarget(WebKitWebView*, WebKitHitTestResult* hit, guint, gpointer data)
+{
+    auto view = viewFor(data);
+    auto delegate = view ? view->delegate() : nullptr;
+    if (!delegate) {
+        return;
+    }
+    const char* link = webkit_hit_test_result_context_is_link(hit) ? webkit_hit_test_result_get_link_uri(hit) : nullptr;
+    std::string url = link ? link : "";
+    if (url != view->hoveredLink) {
+        view->hoveredLink = url;
+        delegate->didHoverLink(*view, url);
+    }
+}
+
 gboolean onContextMenu(WebKitWebView* webView, WebKitContextMenu*, WebKitHitTestResult* hit, gpointer data)
 {
     auto view = viewFor(data);
@@ -441,6 +457,7 @@ void VLDClient::connectBrowser(GtkWidget* widget, std::uint64_t identifier)
     g_signal_connect(webView, "script-dialog", G_CALLBACK(onScriptDialog), data);
     g_signal_connect(webView, "permission-request", G_CALLBACK(onPermissionRequest), data);
     g_signal_connect(webView, "context-menu", G_CALLBACK(onContextMenu), data);
+    g_signal_connect(webView, "mouse-target-changed", G_CALLBACK(onMouseTarget), data);
     g_signal_connect(
         webkit_web_view_get_back_forward_list(webView), "changed", G_CALLBACK(onBackForwardListChanged), data);
     WebKitFindController* find = webkit_web_view_get_find_controller(webView);

@@ -66,6 +66,7 @@ public:
     void tabDidChange(BrowserTab&) override { ++changes; }
     void tabDidFindMatches(BrowserTab&) override { ++findResults; }
     void tabLocationRequestDidChange(BrowserTab&) override { ++locationChanges; }
+    void tabDidHoverLink(BrowserTab&, const std::string&) override { }
     bool tabDidPressKey(BrowserTab&, BrowserAction action) override
     {
         keys.push_back(action);

@@ -11,9 +11,11 @@
 #include "shell/chrome/TabSlot.h"
 #include "shell/chrome/TabStrip.h"
 #include "shell/overlays/FindBar.h"
+#include "shell/overlays/LinkStatus.h"
 #include "shell/overlays/UrlSuggestions.h"
 #include "shell/tab/BrowserTab.h"
 #include "shell/window/MainWindow.h"
+#include "shell/window/WindowChrome.h"
 #include "support/RealInput.h"
 #include "support/TestServer.h"
 
@@ -241,6 +243,37 @@ TEST_F(BrowserWindowTest, TheStripByTheMouse)
     }
     RealInput::click(first, 40, 12, 4); // up
     EXPECT_TRUE(runMainLoopUntil([&] { return window->activeTab()->url == server.url("/b"); }));
+}
+
+// Over a link, its address shows at the bottom-left of the page; it makes way for a pointer that comes
+// near it, and goes when the pointer leaves the link or the tab changes.
+TEST_F(BrowserWindowTest, TheLinkUnderThePointerShowsWhereItGoes)
+{
+    std::string links = "<a href='/top' style='position:fixed; left:0; top:0; width:400px; height:120px;"
+                        " display:block'>top</a><a href='/corner' style='position:fixed; left:0; bottom:0;"
+                        " width:300px; height:30px; display:block'>corner</a>";
+    server.route("/links", TestResponse::html(page("Links", links)));
+    server.route("/other", TestResponse::html(page("Other")));
+    auto window = openWindow({ "/links", "/other" });
+    LinkStatus& status = window->chrome().linkStatus();
+    GtkWidget* view = window->activeTab()->view()->widget();
+
+    RealInput::movePointer(view, 100, 60);
+    ASSERT_TRUE(runMainLoopUntil([&] { return status.isShowing(); }));
+    EXPECT_EQ(status.text(), server.url("/top"));
+    EXPECT_FALSE(status.isOnTheRight());
+
+    RealInput::movePointer(view, 100, gtk_widget_get_height(view) - 10);
+    ASSERT_TRUE(runMainLoopUntil([&] { return status.text() == server.url("/corner"); }));
+    EXPECT_TRUE(status.isOnTheRight()) << "the label makes way for the pointer near its corner";
+
+    RealInput::movePointer(view, 700, 300);
+    EXPECT_TRUE(runMainLoopUntil([&] { return !status.isShowing(); })) << "off the links, nothing shows";
+
+    RealInput::movePointer(view, 100, 60);
+    ASSERT_TRUE(runMainLoopUntil([&] { return status.isShowing(); }));
+    window->selectTab(1);
+    EXPECT_FALSE(status.isShowing()) << "another tab's link isn't under the pointer";
 }
 
 TEST_F(BrowserWindowTest, CtrlWInAPageClosesTheTab)

@@ -101,6 +101,17 @@ void click(GtkWidget* widget, double x, double y, unsigned button, std::initiali
     XSync(display, False);
 }
 
+void movePointer(GtkWidget* widget, double x, double y)
+{
+    Display* display = xDisplay();
+    if (!display || !xtest()) {
+        return;
+    }
+    int rootX = 0;
+    int rootY = 0;
+    prepareWindow(display, widget, x, y, &rootX, &rootY);
+}
+
 void pressKey(GtkWidget* widget, unsigned keyval, std::initializer_list<unsigned> modifiers)
 {
     Display* display = xDisplay();

@@ -17,6 +17,9 @@ bool available();
 // while holding the given modifier keys (GDK key values such as GDK_KEY_Control_L).
 void click(GtkWidget* widget, double x, double y, unsigned button = 1, std::initializer_list<unsigned> modifiers = {});
 
+// Moves the pointer to (x, y) in the widget's coordinates, arriving from a few pixels away.
+void movePointer(GtkWidget* widget, double x, double y);
+
 // Presses and releases the key of `keyval` while holding the given modifier keys, with the keyboard given to
 // the widget's window (the widget itself must have GTK's focus to get the key).
 void pressKey(GtkWidget* widget, unsigned keyval, std::initializer_list<unsigned> modifiers = {});

@@ -175,6 +175,13 @@ bool BrowserTab::shouldShowContextMenu(VLDBrowserView&, const VLDContextMenuInfo
     return !host || host->tabWantsContextMenu(*this, info);
 }
 
+void BrowserTab::didHoverLink(VLDBrowserView&, const std::string& link)
+{
+    if (auto host = m_host.lock()) {
+        host->tabDidHoverLink(*this, link);
+    }
+}
+
 bool BrowserTab::shouldHandlePermissionRequest(VLDBrowserView&, std::shared_ptr<VLDPermissionRequest> request)
 {
     return handleLocationRequest(std::move(request));

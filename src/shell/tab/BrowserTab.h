@@ -94,6 +94,7 @@ public:
     void didFindMatchCount(VLDBrowserView&, std::int32_t count, std::int32_t activeMatch, bool isFinal) override;
     bool shouldHandleKey(VLDBrowserView&, std::int32_t windowsKeyCode, std::uint32_t modifiers) override;
     bool shouldShowContextMenu(VLDBrowserView&, const VLDContextMenuInfo& info) override;
+    void didHoverLink(VLDBrowserView&, const std::string& url) override;
 
 private:
     BrowserTab(std::shared_ptr<VLDBrowserView> view, std::string url, bool isPrivate);

@@ -21,6 +21,8 @@ public:
     virtual void tabDidChange(BrowserTab&) = 0;
     virtual void tabDidFindMatches(BrowserTab&) = 0;
     virtual void tabLocationRequestDidChange(BrowserTab&) = 0;
+    // The pointer is over a link to `url`, or over none (empty).
+    virtual void tabDidHoverLink(BrowserTab&, const std::string& url) = 0;
     // A key pressed in the page that the key table turns into a command. True: taken.
     virtual bool tabDidPressKey(BrowserTab&, BrowserAction) = 0;
     // The page's own menu; false tells the engine to show none of its own.

@@ -16,6 +16,7 @@
 #include "shell/chrome/Toolbar.h"
 #include "shell/overlays/BlankSlate.h"
 #include "shell/overlays/FindBar.h"
+#include "shell/overlays/LinkStatus.h"
 #include "shell/overlays/UrlSuggestions.h"
 #include "shell/tab/BrowserTab.h"
 #include "shell/window/AddressEditing.h"
@@ -217,6 +218,7 @@ void MainWindow::selectTab(std::size_t index)
     if (findBarIsShowing()) {
         closeFindBar();
     }
+    m_chrome->linkStatus().show(""); // the other tab's link is no longer under the pointer
     syncLocationBar();
     refreshChrome();
     focusForActiveTab();
@@ -318,6 +320,13 @@ void MainWindow::tabLocationRequestDidChange(BrowserTab& tab)
 {
     if (activeTab().get() == &tab) {
         syncLocationBar();
+    }
+}
+
+void MainWindow::tabDidHoverLink(BrowserTab& tab, const std::string& url)
+{
+    if (activeTab().get() == &tab) {
+        m_chrome->linkStatus().show(url);
     }
 }
 

@@ -97,6 +97,7 @@ public:
     void tabDidChange(BrowserTab&) override;
     void tabDidFindMatches(BrowserTab&) override;
     void tabLocationRequestDidChange(BrowserTab&) override;
+    void tabDidHoverLink(BrowserTab&, const std::string& url) override;
     bool tabDidPressKey(BrowserTab&, BrowserAction) override;
     bool tabWantsContextMenu(BrowserTab&, const VLDContextMenuInfo&) override;
     bool tabOpensInNewTab(BrowserTab&, const std::string& url, bool foreground) override;

@@ -12,6 +12,7 @@
 #include "shell/chrome/Toolbar.h"
 #include "shell/overlays/BlankSlate.h"
 #include "shell/overlays/FindBar.h"
+#include "shell/overlays/LinkStatus.h"
 #include "shell/overlays/UrlSuggestions.h"
 #include "shell/tab/BrowserTab.h"
 #include "shell/window/MainWindow.h"
@@ -28,6 +29,7 @@ WindowChrome::WindowChrome(GtkWindow* window, bool isPrivate)
     , m_toolbar(std::make_unique<Toolbar>())
     , m_slate(std::make_unique<BlankSlate>())
     , m_findBar(std::make_unique<FindBar>())
+    , m_linkStatus(std::make_unique<LinkStatus>())
     , m_suggestions(std::make_unique<UrlSuggestions>())
 {
     gtk_window_set_titlebar(window, m_titleBar->widget());
@@ -81,6 +83,18 @@ GtkWidget* WindowChrome::buildPageArea()
     gtk_widget_set_margin_end(bar, 16);
     gtk_widget_set_margin_top(bar, 12);
     gtk_overlay_add_overlay(GTK_OVERLAY(overlay), bar);
+
+    gtk_overlay_add_overlay(GTK_OVERLAY(overlay), m_linkStatus->widget());
+    // The pointer over the page, seen on its way to the page: the link status makes way for it.
+    GtkEventController* motion = gtk_event_controller_motion_new();
+    gtk_event_controller_set_propagation_phase(motion, GTK_PHASE_CAPTURE);
+    g_signal_connect(motion, "motion",
+        G_CALLBACK(+[](GtkEventControllerMotion* controller, double x, double y, gpointer data) {
+            GtkWidget* area = gtk_event_controller_get_widget(GTK_EVENT_CONTROLLER(controller));
+            static_cast<LinkStatus*>(data)->pointerAt(x, y, gtk_widget_get_width(area), gtk_widget_get_height(area));
+        }),
+        m_linkStatus.get());
+    gtk_widget_add_controller(overlay, motion);
     return overlay;
 }
 
@@ -192,7 +206,10 @@ void WindowChrome::applyTheme()
         return css;
     }();
     std::string style = ".velder-window { background-color: " + PageShell::hex(Palette::borderColor())
-        + "; } .velder-container { background-color: " + PageShell::hex(Theme::fixedBackground) + "; }";
+        + "; } .velder-container { background-color: " + PageShell::hex(Theme::fixedBackground)
+        + "; } .velder-link-status { background-color: " + PageShell::hex(Palette::fieldColor()) + "; color: "
+        + PageShell::hex(Theme::readable(Palette::textColor(), Palette::fieldColor())) + "; border: 1px solid "
+        + PageShell::hex(Palette::borderColor()) + "; border-radius: 4px; padding: 2px 8px; font-size: 12px; }";
     gtk_css_provider_load_from_data(provider, style.c_str(), -1);
     m_titleBar->redraw();
     m_toolbar->redraw();

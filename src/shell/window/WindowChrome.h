@@ -9,6 +9,7 @@ namespace velder {
 class AddressBar;
 class BlankSlate;
 class FindBar;
+class LinkStatus;
 class MainWindow;
 class TabStrip;
 class TitleBar;
@@ -16,8 +17,8 @@ class Toolbar;
 class UrlSuggestions;
 
 // The widgets of a window round its pages: the title bar, the hidden menu bar, the toolbar, the page area
-// with what lies over it (the page menu's anchor, the blank slate, the find bar) and the suggestion list
-// that hangs under the address bar. It builds them into the window; connect() hands their events to the window.
+// with what lies over it (the page menu's anchor, the blank slate, the find bar, the link status) and the suggestion
+// list that hangs under the address bar. It builds them into the window; connect() hands their events to the window.
 class WindowChrome {
 public:
     WindowChrome(GtkWindow* window, bool isPrivate);
@@ -32,6 +33,7 @@ public:
     UrlSuggestions& suggestions() const { return *m_suggestions; }
     FindBar& findBar() const { return *m_findBar; }
     BlankSlate& slate() const { return *m_slate; }
+    LinkStatus& linkStatus() const { return *m_linkStatus; }
     GtkWidget* menuBar() const { return m_menuBar; }
     // The box that holds the tabs' views; only the active one is visible.
     GtkWidget* container() const { return m_container; }
@@ -55,6 +57,7 @@ private:
     std::unique_ptr<Toolbar> m_toolbar;
     std::unique_ptr<BlankSlate> m_slate;
     std::unique_ptr<FindBar> m_findBar;
+    std::unique_ptr<LinkStatus> m_linkStatus;
     std::unique_ptr<UrlSuggestions> m_suggestions;
     GtkWidget* m_menuBar = nullptr; // these belong to the window's widget tree
     GtkWidget* m_container = nullptr;
