@@ -276,6 +276,58 @@ TEST_F(BrowserWindowTest, TheLinkUnderThePointerShowsWhereItGoes)
     EXPECT_FALSE(status.isShowing()) << "another tab's link isn't under the pointer";
 }
 
+// The menu bar by the keyboard alone, from a page: F10, the arrows, Escape, Alt and a letter, Return.
+TEST_F(BrowserWindowTest, TheMenuBarByTheKeyboard)
+{
+    server.route("/one", TestResponse::html(page("One")));
+    auto window = openWindow({ "/one" });
+    ASSERT_TRUE(touchPage(*window));
+    GtkWidget* root = GTK_WIDGET(window->window());
+    GtkWidget* bar = window->chrome().menuBar();
+    auto focusedTitle = [&] {
+        GtkWidget* focus = gtk_window_get_focus(window->window());
+        return focus && gtk_widget_get_parent(focus) == bar ? focus : nullptr;
+    };
+    auto title = [&](int index) {
+        GtkWidget* item = gtk_widget_get_first_child(bar);
+        for (int i = 0; i < index; ++i) {
+            item = gtk_widget_get_next_sibling(item);
+        }
+        return item;
+    };
+    auto isOpen = [&](int index) { return gtk_widget_get_mapped(gtk_widget_get_last_child(title(index))); };
+
+    RealInput::pressKey(root, GDK_KEY_F10);
+    ASSERT_TRUE(runMainLoopUntil([&] { return gtk_widget_get_visible(bar) && focusedTitle() == title(0); }))
+        << "F10 shows the bar with the focus on its first menu";
+    RealInput::pressKeyInPlace(GDK_KEY_Right);
+    EXPECT_TRUE(runMainLoopUntil([&] { return focusedTitle() == title(1); }));
+    RealInput::pressKeyInPlace(GDK_KEY_Down);
+    EXPECT_TRUE(runMainLoopUntil([&] { return isOpen(1); })) << "Down opens File";
+    RealInput::pressKeyInPlace(GDK_KEY_Right);
+    EXPECT_TRUE(runMainLoopUntil([&] { return isOpen(2) && !isOpen(1); })) << "Right goes on to Edit";
+    RealInput::pressKeyInPlace(GDK_KEY_Escape);
+    EXPECT_TRUE(runMainLoopUntil([&] { return !isOpen(2) && !gtk_widget_get_visible(bar); }))
+        << "Escape closes the menu, and with no menu open the bar goes";
+    auto pageHasTheKeyboard = [&] {
+        GtkWidget* focus = gtk_window_get_focus(window->window());
+        return focus && gtk_widget_is_ancestor(focus, window->container());
+    };
+    EXPECT_TRUE(runMainLoopUntil(pageHasTheKeyboard)) << "the page has the keyboard back";
+
+    RealInput::pressKey(root, GDK_KEY_s, { GDK_KEY_Alt_L });
+    EXPECT_TRUE(runMainLoopUntil([&] { return gtk_widget_get_visible(bar) && isOpen(4); }))
+        << "Alt and the underlined letter open History";
+    RealInput::pressKeyInPlace(GDK_KEY_Escape);
+    EXPECT_TRUE(runMainLoopUntil([&] { return !gtk_widget_get_visible(bar); }));
+
+    RealInput::pressKey(root, GDK_KEY_F10);
+    ASSERT_TRUE(runMainLoopUntil([&] { return focusedTitle() == title(0); }));
+    RealInput::pressKey(root, GDK_KEY_Escape);
+    EXPECT_TRUE(runMainLoopUntil([&] { return !gtk_widget_get_visible(bar) && pageHasTheKeyboard(); }))
+        << "Escape on the titles alone hides the bar";
+}
+
 TEST_F(BrowserWindowTest, CtrlWInAPageClosesTheTab)
 {
     server.route("/one", TestResponse::html(page("One")));

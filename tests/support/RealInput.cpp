@@ -101,6 +101,23 @@ void click(GtkWidget* widget, double x, double y, unsigned button, std::initiali
     XSync(display, False);
 }
 
+void pressKeyInPlace(unsigned keyval, std::initializer_list<unsigned> modifiers)
+{
+    Display* display = xDisplay();
+    if (!display || !xtest()) {
+        return;
+    }
+    for (unsigned modifier : modifiers) {
+        keyEvent(display, modifier, true);
+    }
+    keyEvent(display, keyval, true);
+    keyEvent(display, keyval, false);
+    for (unsigned modifier : modifiers) {
+        keyEvent(display, modifier, false);
+    }
+    XSync(display, False);
+}
+
 void movePointer(GtkWidget* widget, double x, double y)
 {
     Display* display = xDisplay();

@@ -17,6 +17,9 @@ bool available();
 // while holding the given modifier keys (GDK key values such as GDK_KEY_Control_L).
 void click(GtkWidget* widget, double x, double y, unsigned button = 1, std::initializer_list<unsigned> modifiers = {});
 
+// Presses and releases a key wherever the keyboard is now, moving nothing: for keys to a menu that holds it.
+void pressKeyInPlace(unsigned keyval, std::initializer_list<unsigned> modifiers = {});
+
 // Moves the pointer to (x, y) in the widget's coordinates, arriving from a few pixels away.
 void movePointer(GtkWidget* widget, double x, double y);
 
