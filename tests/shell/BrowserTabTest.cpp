@@ -11,6 +11,7 @@
 #include "shell/tab/TabHost.h"
 
 #include <glib.h>
+#include <map>
 
 using namespace velder;
 using namespace velder::test;
@@ -110,21 +111,34 @@ TEST_F(BrowserTabTest, AddressReportsMakeHistoryOnlyForOrdinaryPages)
     auto view = fakeViewOf(*tab);
     auto host = hostOf(*tab);
 
+    view->reportAddress("https://start.example/"); // the tab's first load: a visit, at the address it was made with
+    view->reportTitle("Start");
+    view->reportAddress("https://start.example/"); // the same address again: no second visit
+    view->reportAddress("https://start.example/#part"); // the same document: no visit, the title stays
+    EXPECT_EQ(tab->url, "https://start.example/#part");
+    EXPECT_EQ(tab->title, "Start");
     view->reportAddress("https://a.example/page");
     EXPECT_EQ(tab->displayTitle(), "a.example") << "a new address clears the title: the host shows meanwhile";
-    view->reportTitle("Page A");
-    view->reportAddress("https://a.example/page"); // the same address again: no second visit
-    EXPECT_EQ(tab->title, "Page A");
     view->reportAddress("velder://history/");
     view->reportAddress("data:text/html,hello");
     EXPECT_EQ(tab->url, "velder://history/") << "a data: report changes nothing";
-    EXPECT_EQ(host->changes, 4);
+    EXPECT_EQ(host->changes, 6);
 
-    auto entries = HistoryStore::shared().entries();
-    ASSERT_EQ(entries.size(), 1u);
-    EXPECT_EQ(entries[0].url, "https://a.example/page");
-    EXPECT_EQ(entries[0].title, "Page A");
-    EXPECT_EQ(entries[0].visitCount, 1);
+    // A tab brought back by session restore, and a private tab: their loads are no new visits.
+    auto restored = BrowserTab::restore("https://kept.example/");
+    fakeViewOf(*restored)->reportAddress("https://kept.example/");
+    auto hidden = BrowserTab::create("https://private.example/", true);
+    fakeViewOf(*hidden)->reportAddress("https://private.example/");
+    fakeViewOf(*hidden)->reportAddress("https://private.example/next");
+
+    std::map<std::string, std::int64_t> visits;
+    for (const auto& entry : HistoryStore::shared().entries()) {
+        visits[entry.url] = entry.visitCount;
+    }
+    EXPECT_EQ(visits,
+        (std::map<std::string, std::int64_t> { { "https://start.example/", 1 }, { "https://a.example/page", 1 } }));
+    fakeViewOf(*restored)->reportAddress("https://kept.example/later");
+    EXPECT_EQ(HistoryStore::shared().entries().size(), 3u) << "a restored tab's later pages are visits";
 }
 
 TEST_F(BrowserTabTest, DisplayTitleFallsBackToHostThenNewTabThenAddress)

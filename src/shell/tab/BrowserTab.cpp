@@ -74,6 +74,13 @@ std::shared_ptr<BrowserTab> BrowserTab::create(const std::string& url, bool isPr
     return make(url, isPrivate, false);
 }
 
+std::shared_ptr<BrowserTab> BrowserTab::restore(const std::string& url)
+{
+    auto tab = make(url, false, false);
+    tab->m_firstLoadIsVisit = false;
+    return tab;
+}
+
 std::shared_ptr<BrowserTab> BrowserTab::createPopupHost(bool isPrivate)
 {
     return make("", isPrivate, true);
@@ -234,18 +241,29 @@ void BrowserTab::didChangeAddress(VLDBrowserView&, const std::string& newURL)
         return; // an error page keeps the failed address
     }
     errorURL.reset();
-    if (newURL == url) {
+    bool first = !m_hasReportedAddress;
+    m_hasReportedAddress = true;
+    if (newURL == url && !first) {
         LocationSettings::shared().pushMirror(newURL, m_isPrivate);
-    } else {
+        changed();
+        return;
+    }
+    // The first report of the tab's first load is its first visit, even at the address the tab was made
+    // with (a start-up address, a link for a new tab), unless the tab was brought back by session restore.
+    // A move within the same document (its fragment) is no new visit.
+    auto document = [](const std::string& address) { return address.substr(0, address.find('#')); };
+    bool sameDocument = !first && document(newURL) == document(url);
+    if (newURL != url && !sameDocument) {
         title.clear();
-        url = newURL;
-        if (!m_isPrivate && !InternalRoutes::parse(newURL)) {
-            HistoryStore::shared().record(newURL, "", now());
-        }
-        LocationSettings::shared().pushMirror(newURL, m_isPrivate);
-        if (!m_sessionAnswer || m_sessionAnswer->origin != UrlHelper::origin(newURL)) {
-            setSessionAnswer(std::nullopt);
-        }
+    }
+    url = newURL;
+    bool isVisit = first ? m_firstLoadIsVisit : !sameDocument;
+    if (isVisit && !m_isPrivate && !InternalRoutes::parse(newURL)) {
+        HistoryStore::shared().record(newURL, "", now());
+    }
+    LocationSettings::shared().pushMirror(newURL, m_isPrivate);
+    if (!m_sessionAnswer || m_sessionAnswer->origin != UrlHelper::origin(newURL)) {
+        setSessionAnswer(std::nullopt);
     }
     changed();
 }

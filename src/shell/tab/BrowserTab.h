@@ -38,6 +38,8 @@ public:
 
     // A tab that loads `url`. A private tab joins the shared in-memory session.
     static std::shared_ptr<BrowserTab> create(const std::string& url, bool isPrivate);
+    // A tab brought back by session restore: its first load is no new visit.
+    static std::shared_ptr<BrowserTab> restore(const std::string& url);
     // A tab around a popup host: the engine creates the popup's browser into its view; url stays empty.
     static std::shared_ptr<BrowserTab> createPopupHost(bool isPrivate);
     ~BrowserTab() override;
@@ -106,6 +108,8 @@ private:
     bool m_isPrivate;
     std::weak_ptr<TabHost> m_host;
     std::optional<SessionAnswer> m_sessionAnswer;
+    bool m_hasReportedAddress = false;
+    bool m_firstLoadIsVisit = true;
 };
 
 } // namespace velder

@@ -51,7 +51,7 @@ std::shared_ptr<MainWindow> MainWindow::create(const WindowSession& session)
     std::optional<Rect> frame = WindowPlacement::frameFromSession(session, WindowFrame::visibleFrames());
     auto window = create(frame.value_or(WindowFrame::defaultFrame()), false, frame.has_value());
     for (const std::string& url : session.tabs) {
-        window->install(BrowserTab::create(url, false), false);
+        window->install(BrowserTab::restore(url), false);
     }
     if (!window->tabs().empty()) {
         auto last = static_cast<std::int64_t>(window->tabs().size()) - 1;
