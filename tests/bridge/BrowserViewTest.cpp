@@ -1,17 +1,9 @@
 #include "BridgeTest.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace velder::test {
-
-namespace {
-
-std::string page(const std::string& title, const std::string& body = {})
-{
-    return "<!doctype html><html><head><title>" + title + "</title></head><body>" + body + "</body></html>";
-}
-
-} // namespace
 
 class BrowserViewTest : public BridgeTest { };
 
@@ -85,8 +77,7 @@ TEST_F(BrowserViewTest, ReportsAddressTitleAndLoadingState)
 
     ASSERT_TRUE(
         runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/one")) && view->pageTitle() == "Page one"; }));
-    EXPECT_TRUE(std::any_of(delegate->loadingStates.begin(), delegate->loadingStates.end(),
-        [](const auto& state) { return state.isLoading; }));
+    EXPECT_TRUE(std::ranges::count(delegate->loadingStates, true) > 0) << "the load was reported as it ran";
     EXPECT_FALSE(view->canGoBack());
     EXPECT_EQ(delegate->titles.back(), "Page one");
 
@@ -111,8 +102,7 @@ TEST_F(BrowserViewTest, ClearCookiesAndCache)
     m_server->route("/set", TestResponse { 200, "text/html", page("Set"), { { "Set-Cookie", "k=v; Max-Age=3600" } } });
     m_server->route("/check", TestResponse::html(page("Check")));
     auto delegate = std::make_shared<RecordingDelegate>();
-    auto view = openView(m_server->url("/set"), delegate);
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/set")); }));
+    auto view = openLoaded(m_server->url("/set"), delegate);
     ASSERT_TRUE(loadAndWait(*view, *delegate, m_server->url("/check")));
     EXPECT_EQ(m_server->requests().back().header("cookie"), "k=v");
 

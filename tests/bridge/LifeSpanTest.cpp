@@ -6,11 +6,6 @@ namespace velder::test {
 
 namespace {
 
-std::string page(const std::string& title, const std::string& body = {})
-{
-    return "<!doctype html><html><head><title>" + title + "</title></head><body>" + body + "</body></html>";
-}
-
 const char* bigButton = "style='font-size:40px;width:400px;height:100px'";
 
 } // namespace
@@ -44,8 +39,7 @@ TEST_F(LifeSpanTest, PopupsBecomeHostViewsTheOwnerSupplies)
     m_server->route("/unasked", TestResponse::html(page("Unasked")));
     auto delegate = std::make_shared<RecordingDelegate>();
     auto popupDelegate = std::make_shared<RecordingDelegate>();
-    auto view = openView(m_server->url("/opener"), delegate);
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/opener")); }));
+    auto view = openLoaded(m_server->url("/opener"), delegate);
 
     // The owner refuses the first: nothing is loaded.
     ASSERT_TRUE(clickElement(*view, "#open"));
@@ -84,8 +78,7 @@ TEST_F(LifeSpanTest, CloseTearsDownAndEndsThePage)
     m_server->route("/closing", TestResponse::html(page("Closing", body)));
     m_server->route("/gone", TestResponse::html(""));
     auto delegate = std::make_shared<RecordingDelegate>();
-    auto view = openView(m_server->url("/closing"), delegate);
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/closing")); }));
+    auto view = openLoaded(m_server->url("/closing"), delegate);
     GtkWidget* engineView = GTK_WIDGET(webViewOf(*view));
     g_object_add_weak_pointer(G_OBJECT(engineView), reinterpret_cast<gpointer*>(&engineView));
     bool attachedDuringLastWord = false;
@@ -122,8 +115,7 @@ TEST_F(LifeSpanTest, APageThatRefusesToUnloadStays)
           " e.returnValue = 'stay'; });</script>";
     m_server->route("/stay", TestResponse::html(page("Stay", body)));
     auto delegate = std::make_shared<RecordingDelegate>();
-    auto view = openView(m_server->url("/stay"), delegate);
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/stay")); }));
+    auto view = openLoaded(m_server->url("/stay"), delegate);
     // The engine asks about leaving only a page the user has touched.
     ASSERT_TRUE(clickElement(*view, "#b"));
     runMainLoopFor(200ms);
@@ -154,8 +146,7 @@ TEST_F(LifeSpanTest, AHungPageIsClosedAnyway)
           "<script>addEventListener('beforeunload', () => {});</script>";
     m_server->route("/busy", TestResponse::html(page("Busy", body)));
     auto delegate = std::make_shared<RecordingDelegate>();
-    auto view = openView(m_server->url("/busy"), delegate);
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/busy")); }));
+    auto view = openLoaded(m_server->url("/busy"), delegate);
     ASSERT_TRUE(clickElement(*view, "#b"));
     runMainLoopFor(300ms);
 
@@ -185,8 +176,7 @@ TEST_F(LifeSpanTest, APopupThatClosesItselfIsTornDown)
         host = popupHostInWindow(popupDelegate);
         return host;
     };
-    auto view = openView(m_server->url("/opener"), delegate);
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/opener")); }));
+    auto view = openLoaded(m_server->url("/opener"), delegate);
     GtkWidget* engineView = nullptr;
     popupDelegate->onCreated = [&](VLDBrowserView& popup) {
         engineView = GTK_WIDGET(webViewOf(popup));

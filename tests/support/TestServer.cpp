@@ -162,7 +162,7 @@ void TestServer::handle(SoupServer*, void* messagePointer, const char* path, voi
         std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return std::tolower(c); });
         request.headers[lower] = value;
     }
-    if (request.path != "/favicon.ico" || self->m_logsFavicon) {
+    if (request.path != "/favicon.ico") {
         self->m_requests.push_back(request);
     }
 
