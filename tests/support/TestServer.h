@@ -11,9 +11,7 @@ typedef struct _SoupServer SoupServer;
 namespace velder::test {
 
 struct TestRequest {
-    std::string method;
     std::string path;
-    std::string query; // without the "?"
     std::map<std::string, std::string> headers; // names in lower case
 
     std::string header(const std::string& lowerCaseName) const;
