@@ -87,7 +87,6 @@ public:
     bool takesPermissionRequests = true;
     std::function<bool(const VLDDownloadItem&, std::shared_ptr<VLDDownloadCallback>)> decideDownload;
     std::function<void(VLDBrowserView&)> onWillDestroy;
-    std::function<void(VLDBrowserView&)> onCreated;
 
     void didChangeAddress(VLDBrowserView&, const std::string& url) override { addresses.push_back(url); }
     void didChangeTitle(VLDBrowserView&, const std::string& title) override { titles.push_back(title); }
@@ -104,13 +103,7 @@ public:
         failures.push_back({ code, text, url });
     }
     void didKeepPageOnClose(VLDBrowserView&) override { events.push_back("stayed"); }
-    void didCreateBrowser(VLDBrowserView& view) override
-    {
-        events.push_back("created");
-        if (onCreated) {
-            onCreated(view);
-        }
-    }
+    void didCreateBrowser(VLDBrowserView&) override { events.push_back("created"); }
     std::shared_ptr<VLDBrowserView> hostViewForPopup(VLDBrowserView&, const std::string& url, bool gesture) override
     {
         events.push_back("popup:" + url);
