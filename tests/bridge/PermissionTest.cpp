@@ -150,41 +150,4 @@ TEST_F(PermissionTest, ARequestDroppedUnansweredIsDeniedAndLogged)
             + "). Denying from dealloc. A code path failed to answer it -- see VLDPermissionRequest." });
 }
 
-// Private sessions: each in-memory context is a session of its own, sharing no cookies with another or with
-// the persistent one, which keeps its cookies on disk.
-TEST_F(PermissionTest, InMemoryContextsShareNothing)
-{
-    m_server->route(
-        "/set", TestResponse { 200, "text/html", "<title>Set</title>", { { "Set-Cookie", "k=v; Max-Age=3600" } } });
-    m_server->route("/check", TestResponse::html("<title>Check</title>"));
-    auto first = VLDRequestContext::inMemoryContext();
-    auto second = VLDRequestContext::inMemoryContext();
-    EXPECT_TRUE(first->isEphemeral());
-    EXPECT_FALSE(VLDRequestContext::globalContext()->isEphemeral());
-
-    auto cookieOfLastCheck = [&] {
-        for (auto it = m_server->requests().rbegin(); it != m_server->requests().rend(); ++it) {
-            if (it->path == "/check") {
-                return it->header("cookie");
-            }
-        }
-        return std::string("<none>");
-    };
-    auto delegate = std::make_shared<RecordingDelegate>();
-    auto view = openLoaded(m_server->url("/set"), delegate, first);
-    ASSERT_TRUE(loadAndWait(*view, *delegate, m_server->url("/check")));
-    EXPECT_EQ(cookieOfLastCheck(), "k=v");
-
-    for (auto context : { second, VLDRequestContext::globalContext() }) {
-        auto otherDelegate = std::make_shared<RecordingDelegate>();
-        auto other = openLoaded(m_server->url("/check?other"), otherDelegate, context);
-        EXPECT_EQ(cookieOfLastCheck(), "");
-    }
-
-    auto persistentDelegate = std::make_shared<RecordingDelegate>();
-    auto persistent = openLoaded(m_server->url("/set"), persistentDelegate);
-    EXPECT_TRUE(
-        runMainLoopUntil([&] { return fileExists(m_profile->root().file("data/Velder/engine/cookies.sqlite")); }));
-}
-
 } // namespace velder::test
