@@ -1,7 +1,5 @@
 #include "BridgeTest.h"
 
-#include "PageProbe.h"
-
 #include <algorithm>
 
 namespace velder::test {
@@ -18,7 +16,7 @@ bool RecordingDelegate::sawAddress(const std::string& url) const
 
 bool RecordingDelegate::isIdleAt(const std::string& url) const
 {
-    return !addresses.empty() && addresses.back() == url && !loadingStates.empty() && !loadingStates.back().isLoading;
+    return !addresses.empty() && addresses.back() == url && !loadingStates.empty() && !loadingStates.back();
 }
 
 namespace {
@@ -103,37 +101,22 @@ bool BridgeTest::loadAndWait(VLDBrowserView& view, RecordingDelegate& delegate, 
     return runMainLoopUntil([&] { return delegate.isIdleAt(url); });
 }
 
-WebKitWebView* BridgeTest::webViewOf(VLDBrowserView& view)
+std::shared_ptr<VLDBrowserView> BridgeTest::openLoaded(const std::string& url,
+    const std::shared_ptr<RecordingDelegate>& delegate, std::shared_ptr<VLDRequestContext> context)
 {
-    return PageProbe::webViewOf(view);
+    auto view = openView(url, delegate, std::move(context));
+    EXPECT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(url); })) << "never loaded " << url;
+    return view;
 }
 
-std::string BridgeTest::evaluate(VLDBrowserView& view, const std::string& script)
+std::string page(const std::string& title, const std::string& body, const std::string& head)
 {
-    return PageProbe::evaluate(view, script);
+    return "<!doctype html><html><head><title>" + title + "</title>" + head + "</head><body>" + body + "</body></html>";
 }
 
-std::string BridgeTest::callInWorld(VLDBrowserView& view, const std::string& functionBody, const char* world)
+bool waitForScriptValue(VLDBrowserView& view, const std::string& script, const std::string& expected)
 {
-    return PageProbe::callInWorld(view, functionBody, world);
-}
-
-bool BridgeTest::clickElement(
-    VLDBrowserView& view, const std::string& selector, unsigned button, std::initializer_list<unsigned> modifiers)
-{
-    return PageProbe::clickElement(view, selector, button, modifiers);
-}
-
-bool BridgeTest::waitForScriptValue(VLDBrowserView& view, const std::string& script, const std::string& expected)
-{
-    auto deadline = std::chrono::steady_clock::now() + 10s;
-    while (std::chrono::steady_clock::now() < deadline) {
-        if (evaluate(view, script) == expected) {
-            return true;
-        }
-        runMainLoopFor(50ms);
-    }
-    return false;
+    return runMainLoopUntil([&] { return evaluate(view, script) == expected; });
 }
 
 } // namespace velder::test

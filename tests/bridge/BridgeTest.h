@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PageProbe.h"
 #include "bridge/VLDBrowserView.h"
 #include "bridge/VLDBrowserViewImpl.h"
 #include "bridge/VLDEngineRuntime.h"
@@ -20,15 +21,20 @@
 namespace velder::test {
 
 using namespace std::chrono_literals;
+using PageProbe::callInWorld;
+using PageProbe::clickElement;
+using PageProbe::evaluate;
+using PageProbe::webViewOf;
+
+// A page with a title, a body and, if given, more of a head.
+std::string page(const std::string& title, const std::string& body = {}, const std::string& head = {});
+
+// Waits until the script's value, as text, is `expected`.
+bool waitForScriptValue(VLDBrowserView& view, const std::string& script, const std::string& expected);
 
 // A delegate that writes down everything a view reports, and answers as the test sets it up.
 class RecordingDelegate : public VLDBrowserDelegate {
 public:
-    struct LoadingState {
-        bool isLoading;
-        bool canGoBack;
-        bool canGoForward;
-    };
     struct Failure {
         std::int32_t code;
         std::string text;
@@ -48,14 +54,13 @@ public:
     };
     struct Navigation {
         std::string url;
-        bool isUserGesture;
         bool isRedirect;
     };
 
     std::vector<std::string> addresses;
     std::vector<std::string> titles;
     std::vector<std::vector<std::string>> faviconLists;
-    std::vector<LoadingState> loadingStates;
+    std::vector<bool> loadingStates; // isLoading of each report
     std::vector<Failure> failures;
     std::vector<std::pair<std::string, std::int32_t>> refusedCertificates;
     std::vector<std::int64_t> terminations;
@@ -76,14 +81,12 @@ public:
     std::function<std::shared_ptr<VLDBrowserView>(const std::string& url, bool isUserGesture)> popupHost;
     std::function<bool(const std::string& url)> allowNavigation = [](const std::string&) { return true; };
     bool handlesNewTabs = true;
-    bool keepsContextMenu = false;
     std::function<bool(std::int32_t code, std::uint32_t modifiers)> handlesKey
         = [](std::int32_t, std::uint32_t) { return false; };
     // Returned by shouldHandlePermissionRequest; the request is kept in permissionRequests.
     bool takesPermissionRequests = true;
     std::function<bool(const VLDDownloadItem&, std::shared_ptr<VLDDownloadCallback>)> decideDownload;
     std::function<void(VLDBrowserView&)> onWillDestroy;
-    std::function<void(VLDBrowserView&)> onCreated;
 
     void didChangeAddress(VLDBrowserView&, const std::string& url) override { addresses.push_back(url); }
     void didChangeTitle(VLDBrowserView&, const std::string& title) override { titles.push_back(title); }
@@ -91,22 +94,16 @@ public:
     {
         faviconLists.push_back(urls);
     }
-    void didChangeLoadingState(VLDBrowserView&, bool isLoading, bool canGoBack, bool canGoForward) override
+    void didChangeLoadingState(VLDBrowserView&, bool isLoading, bool, bool) override
     {
-        loadingStates.push_back({ isLoading, canGoBack, canGoForward });
+        loadingStates.push_back(isLoading);
     }
     void didFailLoad(VLDBrowserView&, std::int32_t code, const std::string& text, const std::string& url) override
     {
         failures.push_back({ code, text, url });
     }
     void didKeepPageOnClose(VLDBrowserView&) override { events.push_back("stayed"); }
-    void didCreateBrowser(VLDBrowserView& view) override
-    {
-        events.push_back("created");
-        if (onCreated) {
-            onCreated(view);
-        }
-    }
+    void didCreateBrowser(VLDBrowserView&) override { events.push_back("created"); }
     std::shared_ptr<VLDBrowserView> hostViewForPopup(VLDBrowserView&, const std::string& url, bool gesture) override
     {
         events.push_back("popup:" + url);
@@ -124,9 +121,9 @@ public:
             onWillDestroy(view);
         }
     }
-    bool shouldAllowNavigation(VLDBrowserView&, const std::string& url, bool gesture, bool redirect) override
+    bool shouldAllowNavigation(VLDBrowserView&, const std::string& url, bool, bool redirect) override
     {
-        navigations.push_back({ url, gesture, redirect });
+        navigations.push_back({ url, redirect });
         return allowNavigation(url);
     }
     bool openURLInNewTab(VLDBrowserView&, const std::string& url, bool foreground) override
@@ -171,7 +168,7 @@ public:
     bool shouldShowContextMenu(VLDBrowserView&, const VLDContextMenuInfo& info) override
     {
         contextMenus.push_back(info);
-        return keepsContextMenu;
+        return false;
     }
 
     bool hasEvent(const std::string& event) const;
@@ -197,21 +194,11 @@ protected:
     // A view with a delegate, placed in a window, once its browser exists.
     std::shared_ptr<VLDBrowserView> openView(const std::string& url, const std::shared_ptr<RecordingDelegate>& delegate,
         std::shared_ptr<VLDRequestContext> context = nullptr);
+    // The same, once the view has finished loading the URL.
+    std::shared_ptr<VLDBrowserView> openLoaded(const std::string& url,
+        const std::shared_ptr<RecordingDelegate>& delegate, std::shared_ptr<VLDRequestContext> context = nullptr);
     // Loads the URL and waits until the view has finished loading it.
     bool loadAndWait(VLDBrowserView& view, RecordingDelegate& delegate, const std::string& url);
-
-    static WebKitWebView* webViewOf(VLDBrowserView& view);
-    // Runs a script in the page (as the user would, so it counts as a gesture) and gives its value as text.
-    std::string evaluate(VLDBrowserView& view, const std::string& script);
-    // Runs the body of an async function (it may return a promise) in the given script world, and gives its
-    // value as text.
-    std::string callInWorld(VLDBrowserView& view, const std::string& functionBody, const char* world);
-    // Waits until the script's value, as text, is `expected`.
-    bool waitForScriptValue(VLDBrowserView& view, const std::string& script, const std::string& expected);
-
-    // A real click (see RealInput) at the middle of the first element the selector finds.
-    bool clickElement(VLDBrowserView& view, const std::string& selector, unsigned button = 1,
-        std::initializer_list<unsigned> modifiers = {});
 
     std::unique_ptr<TestProfile> m_profile;
     // GLib reads the user's folders (the download folder among them) from here.

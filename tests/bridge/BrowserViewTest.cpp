@@ -1,17 +1,11 @@
 #include "BridgeTest.h"
 
+#include "bridge/VLDRequestContext.h"
+
+#include <algorithm>
 #include <cmath>
 
 namespace velder::test {
-
-namespace {
-
-std::string page(const std::string& title, const std::string& body = {})
-{
-    return "<!doctype html><html><head><title>" + title + "</title></head><body>" + body + "</body></html>";
-}
-
-} // namespace
 
 class BrowserViewTest : public BridgeTest { };
 
@@ -85,8 +79,7 @@ TEST_F(BrowserViewTest, ReportsAddressTitleAndLoadingState)
 
     ASSERT_TRUE(
         runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/one")) && view->pageTitle() == "Page one"; }));
-    EXPECT_TRUE(std::any_of(delegate->loadingStates.begin(), delegate->loadingStates.end(),
-        [](const auto& state) { return state.isLoading; }));
+    EXPECT_TRUE(std::ranges::count(delegate->loadingStates, true) > 0) << "the load was reported as it ran";
     EXPECT_FALSE(view->canGoBack());
     EXPECT_EQ(delegate->titles.back(), "Page one");
 
@@ -105,27 +98,46 @@ TEST_F(BrowserViewTest, ReportsAddressTitleAndLoadingState)
     EXPECT_TRUE(delegate->failures.empty());
 }
 
-// Clearing takes the session's cookies: the next request goes without them.
-TEST_F(BrowserViewTest, ClearCookiesAndCache)
+// Each in-memory context is a session of its own, sharing no cookies with another or with the persistent one,
+// which keeps them on disk; clearing takes the session's cookies.
+TEST_F(BrowserViewTest, CookiesStayInTheirSessionUntilCleared)
 {
     m_server->route("/set", TestResponse { 200, "text/html", page("Set"), { { "Set-Cookie", "k=v; Max-Age=3600" } } });
     m_server->route("/check", TestResponse::html(page("Check")));
+    auto cookieOfLastCheck = [&] {
+        for (auto it = m_server->requests().rbegin(); it != m_server->requests().rend(); ++it) {
+            if (it->path == "/check") {
+                return it->header("cookie");
+            }
+        }
+        return std::string("<none>");
+    };
+    auto context = VLDRequestContext::inMemoryContext();
+    EXPECT_TRUE(context->isEphemeral());
+    EXPECT_FALSE(VLDRequestContext::globalContext()->isEphemeral());
     auto delegate = std::make_shared<RecordingDelegate>();
-    auto view = openView(m_server->url("/set"), delegate);
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/set")); }));
+    auto view = openLoaded(m_server->url("/set"), delegate, context);
     ASSERT_TRUE(loadAndWait(*view, *delegate, m_server->url("/check")));
-    EXPECT_EQ(m_server->requests().back().header("cookie"), "k=v");
+    EXPECT_EQ(cookieOfLastCheck(), "k=v");
+    for (const auto& other : { VLDRequestContext::inMemoryContext(), VLDRequestContext::globalContext() }) {
+        openLoaded(m_server->url("/check?other"), std::make_shared<RecordingDelegate>(), other);
+        EXPECT_EQ(cookieOfLastCheck(), "");
+    }
 
-    view->clearCookiesAndCache();
+    auto persistentDelegate = std::make_shared<RecordingDelegate>();
+    auto persistent = openLoaded(m_server->url("/set"), persistentDelegate);
+    EXPECT_TRUE(
+        runMainLoopUntil([&] { return fileExists(m_profile->root().file("data/Velder/engine/cookies.sqlite")); }));
+    ASSERT_TRUE(loadAndWait(*persistent, *persistentDelegate, m_server->url("/check")));
+    EXPECT_EQ(cookieOfLastCheck(), "k=v");
+    persistent->clearCookiesAndCache();
     // The engine clears in the background: ask again until the cookie is gone, or time runs out.
-    EXPECT_TRUE(runMainLoopUntil(
-        [&] {
-            size_t before = m_server->requests().size();
-            view->reloadIgnoringCache();
-            runMainLoopUntil([&] { return m_server->requests().size() > before && !view->isLoading(); }, 2s);
-            return m_server->requests().back().path == "/check" && m_server->requests().back().header("cookie").empty();
-        },
-        10s));
+    EXPECT_TRUE(runMainLoopUntil([&] {
+        size_t before = m_server->requests().size();
+        persistent->reloadIgnoringCache();
+        runMainLoopUntil([&] { return m_server->requests().size() > before && !persistent->isLoading(); }, 2s);
+        return cookieOfLastCheck().empty();
+    }));
 }
 
 } // namespace velder::test

@@ -58,8 +58,6 @@ TEST(DownloadNameTest, DefaultPathsAreMadeUnique)
         std::string expected;
     };
     const Row rows[] = {
-        { "free", "a.txt", {}, "/d/a.txt" },
-        { "taken once", "a.txt", { "/d/a.txt" }, "/d/a (2).txt" },
         { "taken twice", "a.txt", { "/d/a.txt", "/d/a (2).txt" }, "/d/a (3).txt" },
         { "no extension", "notes", { "/d/notes" }, "/d/notes (2)" },
         { "the last dot makes the extension", "a.tar.gz", { "/d/a.tar.gz" }, "/d/a.tar (2).gz" },

@@ -28,8 +28,7 @@ protected:
         m_server->route("/start", TestResponse::html("<title>Start</title>"));
         m_server->route("/file.bin", attachment("report:1.bin"));
         m_delegate = std::make_shared<RecordingDelegate>();
-        m_view = openView(m_server->url("/start"), m_delegate);
-        ASSERT_TRUE(runMainLoopUntil([&] { return m_delegate->isIdleAt(m_server->url("/start")); }));
+        m_view = openLoaded(m_server->url("/start"), m_delegate);
     }
 
     bool finished() const

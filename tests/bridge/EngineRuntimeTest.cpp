@@ -205,7 +205,6 @@ TEST(EngineRuntimeRendering, SoftwareWithoutARenderNodeUnlessTheUserChose)
         { true, nullptr, false },
         { false, "", true },
         { false, "ngl", false },
-        { false, "gl", false },
         { true, "cairo", true },
     };
     for (const auto& row : rows) {

@@ -51,8 +51,7 @@ TEST_F(IconFetchTest, FetchesThroughThePagesSession)
     m_server->route("/over.png", TestResponse { 200, "image/png", bytesOf(limit + 1) });
     m_server->route("/empty.png", TestResponse { 200, "image/png", "" });
     auto delegate = std::make_shared<RecordingDelegate>();
-    auto view = openView(m_server->url("/page"), delegate);
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/page")); }));
+    auto view = openLoaded(m_server->url("/page"), delegate);
 
     struct Row {
         const char* name;

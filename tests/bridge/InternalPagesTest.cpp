@@ -116,8 +116,7 @@ TEST_F(InternalPagesTest, PagesAndTheirHeaders)
 TEST_F(InternalPagesTest, RedirectsAreFollowedWithoutCommittingTheAction)
 {
     auto delegate = std::make_shared<RecordingDelegate>();
-    auto view = openView("velder://test/", delegate);
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt("velder://test/"); }));
+    auto view = openLoaded("velder://test/", delegate);
 
     view->loadURL("velder://test/act?clear=1");
     ASSERT_TRUE(
@@ -176,8 +175,7 @@ TEST_F(InternalPagesTest, WebPagesNeverReachVelderPages)
         return host;
     };
     LogCapture log;
-    auto view = openView(m_server->url("/attempts"), delegate);
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/attempts")); }));
+    auto view = openLoaded(m_server->url("/attempts"), delegate);
 
     const std::string refusal = "Velder: refused velder:// address from web content: " + action;
     if (RealInput::available()) {

@@ -20,8 +20,7 @@ TEST_F(KeyHookTest, KeysReachTheOwnerBeforeThePage)
     auto delegate = std::make_shared<RecordingDelegate>();
     delegate->handlesKey
         = [](std::int32_t code, std::uint32_t modifiers) { return code == 84 && modifiers == KeyModifier::command; };
-    auto view = openView(m_server->url("/keys"), delegate);
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/keys")); }));
+    auto view = openLoaded(m_server->url("/keys"), delegate);
     ASSERT_TRUE(runMainLoopUntil([&] { return gtk_widget_get_mapped(view->widget()); }));
     view->setBrowserFocus(true);
     runMainLoopFor(100ms);

@@ -6,11 +6,6 @@ namespace velder::test {
 
 namespace {
 
-std::string page(const std::string& title, const std::string& body = {})
-{
-    return "<!doctype html><html><head><title>" + title + "</title></head><body>" + body + "</body></html>";
-}
-
 const char* bigButton = "style='font-size:40px;width:400px;height:100px'";
 
 } // namespace
@@ -29,7 +24,8 @@ protected:
 };
 
 // A page that opens a window on a click asks the owner for a host, and the popup loads there, in the
-// opener's session; without a gesture, or with the owner's refusal, no popup comes.
+// opener's session; without a gesture, or with the owner's refusal, no popup comes. A popup that closes
+// itself is torn down as a close the owner asked for, and the opener stays.
 TEST_F(LifeSpanTest, PopupsBecomeHostViewsTheOwnerSupplies)
 {
     if (!RealInput::available()) {
@@ -44,8 +40,7 @@ TEST_F(LifeSpanTest, PopupsBecomeHostViewsTheOwnerSupplies)
     m_server->route("/unasked", TestResponse::html(page("Unasked")));
     auto delegate = std::make_shared<RecordingDelegate>();
     auto popupDelegate = std::make_shared<RecordingDelegate>();
-    auto view = openView(m_server->url("/opener"), delegate);
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/opener")); }));
+    auto view = openLoaded(m_server->url("/opener"), delegate);
 
     // The owner refuses the first: nothing is loaded.
     ASSERT_TRUE(clickElement(*view, "#open"));
@@ -74,6 +69,15 @@ TEST_F(LifeSpanTest, PopupsBecomeHostViewsTheOwnerSupplies)
     EXPECT_EQ(
         webkit_web_view_get_network_session(webViewOf(*host)), webkit_web_view_get_network_session(webViewOf(*view)));
     EXPECT_FALSE(m_server->received("/unasked"));
+
+    GtkWidget* engineView = GTK_WIDGET(webViewOf(*host));
+    g_object_add_weak_pointer(G_OBJECT(engineView), reinterpret_cast<gpointer*>(&engineView));
+    evaluate(*host, "window.close(); 1");
+    ASSERT_TRUE(runMainLoopUntil([&] { return popupDelegate->hasEvent("destroy"); }));
+    EXPECT_EQ(popupDelegate->events, (std::vector<std::string> { "created", "tearDown", "destroy" }));
+    EXPECT_FALSE(host->hasBrowser());
+    EXPECT_TRUE(runMainLoopUntil([&] { return engineView == nullptr; })) << "the popup's engine view outlived it";
+    EXPECT_TRUE(view->hasBrowser());
 }
 
 // requestClose runs the page's unload handlers; the owner hears the two steps in order, the browser goes,
@@ -84,8 +88,7 @@ TEST_F(LifeSpanTest, CloseTearsDownAndEndsThePage)
     m_server->route("/closing", TestResponse::html(page("Closing", body)));
     m_server->route("/gone", TestResponse::html(""));
     auto delegate = std::make_shared<RecordingDelegate>();
-    auto view = openView(m_server->url("/closing"), delegate);
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/closing")); }));
+    auto view = openLoaded(m_server->url("/closing"), delegate);
     GtkWidget* engineView = GTK_WIDGET(webViewOf(*view));
     g_object_add_weak_pointer(G_OBJECT(engineView), reinterpret_cast<gpointer*>(&engineView));
     bool attachedDuringLastWord = false;
@@ -110,95 +113,49 @@ TEST_F(LifeSpanTest, CloseTearsDownAndEndsThePage)
     EXPECT_EQ(std::count(delegate->events.begin(), delegate->events.end(), "destroy"), 1);
 }
 
-// A page that asks to stay when its tab closes keeps its tab; one that closes itself goes the same way as
-// a close the owner asked for.
-TEST_F(LifeSpanTest, APageThatRefusesToUnloadStays)
+// A page that asks to stay when its tab closes keeps its tab, past the time limit that closes a page too busy
+// to answer (the engine gives up on a hung page itself; the bridge's limit is the last resort). The engine
+// asks a page about leaving only when it has an unload handler and the user has touched it.
+TEST_F(LifeSpanTest, APageThatAsksToStayStaysAndAHungOneIsClosed)
 {
     if (!RealInput::available()) {
         GTEST_SKIP() << "needs XTest";
     }
-    std::string body = std::string("<button id=b ") + bigButton
-        + ">press</button><script>addEventListener('beforeunload', e => { e.preventDefault();"
-          " e.returnValue = 'stay'; });</script>";
-    m_server->route("/stay", TestResponse::html(page("Stay", body)));
-    auto delegate = std::make_shared<RecordingDelegate>();
-    auto view = openView(m_server->url("/stay"), delegate);
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/stay")); }));
-    // The engine asks about leaving only a page the user has touched.
-    ASSERT_TRUE(clickElement(*view, "#b"));
-    runMainLoopFor(200ms);
-
-    // The page's answer ends the close: the time limit that would close a hung page no longer runs.
-    VLDBrowserView::setCloseTimeLimit(300ms);
-    view->requestClose();
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->hasEvent("stayed"); }));
-    runMainLoopFor(3 * VLDBrowserView::closeTimeLimit());
-    VLDBrowserView::setCloseTimeLimit(5s);
-    EXPECT_TRUE(view->hasBrowser());
-    EXPECT_FALSE(delegate->hasEvent("tearDown"));
-    EXPECT_FALSE(delegate->hasEvent("destroy"));
-    EXPECT_EQ(evaluate(*view, "document.title"), "Stay");
-}
-
-// A page too busy to answer a close is closed anyway (the engine gives up on it itself; the bridge's own
-// time limit is the last resort).
-TEST_F(LifeSpanTest, AHungPageIsClosedAnyway)
-{
-    if (!RealInput::available()) {
-        GTEST_SKIP() << "needs XTest";
-    }
-    // The engine asks a page about leaving only when it has an unload handler and the user has touched it;
-    // this one then never answers.
-    std::string body = std::string("<button id=b ") + bigButton
-        + " onclick='setTimeout(() => { for (;;) { } }, 100)'>hang</button>"
-          "<script>addEventListener('beforeunload', () => {});</script>";
-    m_server->route("/busy", TestResponse::html(page("Busy", body)));
-    auto delegate = std::make_shared<RecordingDelegate>();
-    auto view = openView(m_server->url("/busy"), delegate);
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/busy")); }));
-    ASSERT_TRUE(clickElement(*view, "#b"));
-    runMainLoopFor(300ms);
-
-    VLDBrowserView::setCloseTimeLimit(500ms);
-    view->requestClose();
-    bool closed = runMainLoopUntil([&] { return delegate->hasEvent("destroy"); });
-    VLDBrowserView::setCloseTimeLimit(5s);
-    ASSERT_TRUE(closed);
-    EXPECT_EQ(delegate->events, (std::vector<std::string> { "created", "tearDown", "destroy" }));
-    EXPECT_FALSE(view->hasBrowser());
-}
-
-TEST_F(LifeSpanTest, APopupThatClosesItselfIsTornDown)
-{
-    if (!RealInput::available()) {
-        GTEST_SKIP() << "needs XTest";
-    }
-    std::string opener
-        = std::string("<button id=open ") + bigButton + " onclick=\"window.open('/self-closing')\">open</button>";
-    m_server->route("/opener", TestResponse::html(page("Opener", opener)));
-    m_server->route(
-        "/self-closing", TestResponse::html(page("Closes", "<script>setTimeout(() => window.close(), 200);</script>")));
-    auto delegate = std::make_shared<RecordingDelegate>();
-    auto popupDelegate = std::make_shared<RecordingDelegate>();
-    std::shared_ptr<VLDBrowserView> host;
-    delegate->popupHost = [&](const std::string&, bool) {
-        host = popupHostInWindow(popupDelegate);
-        return host;
+    struct Row {
+        const char* name;
+        const char* onClick;
+        const char* onBeforeUnload;
+        bool stays;
     };
-    auto view = openView(m_server->url("/opener"), delegate);
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/opener")); }));
-    GtkWidget* engineView = nullptr;
-    popupDelegate->onCreated = [&](VLDBrowserView& popup) {
-        engineView = GTK_WIDGET(webViewOf(popup));
-        g_object_add_weak_pointer(G_OBJECT(engineView), reinterpret_cast<gpointer*>(&engineView));
+    const Row rows[] = {
+        { "asks to stay", "", "e => { e.preventDefault(); e.returnValue = 'stay'; }", true },
+        { "hangs", "setTimeout(() => { for (;;) { } }, 100)", "() => {}", false },
     };
-    ASSERT_TRUE(clickElement(*view, "#open"));
-    ASSERT_TRUE(runMainLoopUntil([&] { return popupDelegate->hasEvent("destroy"); }));
-    EXPECT_EQ(popupDelegate->events, (std::vector<std::string> { "created", "tearDown", "destroy" }));
-    EXPECT_FALSE(host->hasBrowser());
-    EXPECT_TRUE(runMainLoopUntil([&] { return engineView == nullptr; }))
-        << "the popup's engine view outlived its close";
-    EXPECT_TRUE(view->hasBrowser());
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        std::string body = std::string("<button id=b ") + bigButton + " onclick='" + row.onClick
+            + "'>press</button><script>addEventListener('beforeunload', " + row.onBeforeUnload + ");</script>";
+        m_server->route("/page", TestResponse::html(page("Page", body)));
+        auto delegate = std::make_shared<RecordingDelegate>();
+        auto view = openLoaded(m_server->url("/page"), delegate);
+        ASSERT_TRUE(clickElement(*view, "#b"));
+        runMainLoopFor(300ms);
+
+        VLDBrowserView::setCloseTimeLimit(500ms);
+        view->requestClose();
+        bool answered = runMainLoopUntil([&] { return delegate->hasEvent(row.stays ? "stayed" : "destroy"); });
+        if (row.stays) {
+            runMainLoopFor(3 * VLDBrowserView::closeTimeLimit());
+        }
+        VLDBrowserView::setCloseTimeLimit(5s);
+        ASSERT_TRUE(answered);
+        const std::vector<std::string> stayed { "created", "stayed" }, closed { "created", "tearDown", "destroy" };
+        EXPECT_EQ(delegate->events, row.stays ? stayed : closed);
+        EXPECT_EQ(view->hasBrowser(), row.stays);
+        if (row.stays) {
+            EXPECT_EQ(evaluate(*view, "document.title"), "Page") << "the page goes on";
+        }
+    }
 }
 
 } // namespace velder::test

@@ -26,9 +26,7 @@ protected:
         const std::shared_ptr<RecordingDelegate>& delegate, std::shared_ptr<VLDRequestContext> context = nullptr)
     {
         m_server->route("/where", TestResponse::html(geolocationPage));
-        auto view = openView(m_server->url("/where"), delegate, std::move(context));
-        EXPECT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/where")); }));
-        return view;
+        return openLoaded(m_server->url("/where"), delegate, std::move(context));
     }
 
     std::string origin() const { return "http://127.0.0.1:" + std::to_string(m_server->port()); }
@@ -100,15 +98,18 @@ TEST_F(PermissionTest, StoredAnswersRefusalsAndWithdrawal)
         { "ask, owner declines", VLDRequestContext::settingAsk, false, true, "error 1" },
         { "default, owner declines", VLDRequestContext::settingDefault, false, true, "error 1" },
     };
+    // The engine remembers an answer for the document: each request comes from a fresh one.
+    auto freshDocument = [&] {
+        evaluate(*view, "result = 'old document'");
+        view->reload();
+        return waitForScriptValue(*view, "result", "none");
+    };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         context->setGeolocationSetting(row.setting, origin() + "/anything");
         delegate->takesPermissionRequests = row.ownerTakes;
         delegate->permissionRequests.clear();
-        // The engine remembers an answer for the document: each row asks from a fresh one.
-        evaluate(*view, "result = 'old document'");
-        view->reload();
-        ASSERT_TRUE(waitForScriptValue(*view, "result", "none"));
+        ASSERT_TRUE(freshDocument());
         EXPECT_EQ(context->geolocationSettingForOrigin(origin()), row.setting);
         evaluate(*view, "ask()");
         ASSERT_TRUE(waitForScriptValue(*view, "result", row.result)) << evaluate(*view, "result");
@@ -119,9 +120,7 @@ TEST_F(PermissionTest, StoredAnswersRefusalsAndWithdrawal)
     // A parked request is withdrawn when the page goes.
     delegate->takesPermissionRequests = true;
     delegate->permissionRequests.clear();
-    evaluate(*view, "result = 'old document'");
-    view->reload();
-    ASSERT_TRUE(waitForScriptValue(*view, "result", "none"));
+    ASSERT_TRUE(freshDocument());
     evaluate(*view, "ask()");
     ASSERT_TRUE(runMainLoopUntil([&] { return delegate->permissionRequests.size() == 1; }));
     LogCapture log;
@@ -149,46 +148,6 @@ TEST_F(PermissionTest, ARequestDroppedUnansweredIsDeniedAndLogged)
         std::vector<std::string> { "Velder: DROPPED PERMISSION REQUEST for http://b.example (kind 1, prompt "
             + std::to_string(promptId)
             + "). Denying from dealloc. A code path failed to answer it -- see VLDPermissionRequest." });
-}
-
-// Private sessions: each in-memory context is a session of its own, sharing no cookies with another or with
-// the persistent one, which keeps its cookies on disk.
-TEST_F(PermissionTest, InMemoryContextsShareNothing)
-{
-    m_server->route(
-        "/set", TestResponse { 200, "text/html", "<title>Set</title>", { { "Set-Cookie", "k=v; Max-Age=3600" } } });
-    m_server->route("/check", TestResponse::html("<title>Check</title>"));
-    auto first = VLDRequestContext::inMemoryContext();
-    auto second = VLDRequestContext::inMemoryContext();
-    EXPECT_TRUE(first->isEphemeral());
-    EXPECT_FALSE(VLDRequestContext::globalContext()->isEphemeral());
-
-    auto cookieOfLastCheck = [&] {
-        for (auto it = m_server->requests().rbegin(); it != m_server->requests().rend(); ++it) {
-            if (it->path == "/check") {
-                return it->header("cookie");
-            }
-        }
-        return std::string("<none>");
-    };
-    auto delegate = std::make_shared<RecordingDelegate>();
-    auto view = openView(m_server->url("/set"), delegate, first);
-    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt(m_server->url("/set")); }));
-    ASSERT_TRUE(loadAndWait(*view, *delegate, m_server->url("/check")));
-    EXPECT_EQ(cookieOfLastCheck(), "k=v");
-
-    for (auto context : { second, VLDRequestContext::globalContext() }) {
-        auto otherDelegate = std::make_shared<RecordingDelegate>();
-        auto other = openView(m_server->url("/check?other"), otherDelegate, context);
-        ASSERT_TRUE(runMainLoopUntil([&] { return otherDelegate->isIdleAt(m_server->url("/check?other")); }));
-        EXPECT_EQ(cookieOfLastCheck(), "");
-    }
-
-    auto persistentDelegate = std::make_shared<RecordingDelegate>();
-    auto persistent = openView(m_server->url("/set"), persistentDelegate);
-    ASSERT_TRUE(runMainLoopUntil([&] { return persistentDelegate->isIdleAt(m_server->url("/set")); }));
-    EXPECT_TRUE(
-        runMainLoopUntil([&] { return fileExists(m_profile->root().file("data/Velder/engine/cookies.sqlite")); }));
 }
 
 } // namespace velder::test

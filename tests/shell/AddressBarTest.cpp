@@ -20,17 +20,11 @@ protected:
         bar.reset();
     }
 
-    // The bar in a window beside a button that can take the focus away from it.
+    // The bar in a window above a button that can take the focus away from it; the bar starts idle.
     void hostWithNeighbour()
     {
-        box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
-        neighbour = gtk_button_new_with_label("Elsewhere");
         gtk_widget_set_size_request(bar->widget(), 400, 28);
-        gtk_box_append(GTK_BOX(box), bar->widget());
-        gtk_box_append(GTK_BOX(box), neighbour);
-        hostIn(box, bar->widget(), 400, 100);
-        // A window focuses its first focusable widget when it maps; the tests start with the bar idle.
-        gtk_widget_grab_focus(neighbour);
+        neighbour = hostAboveButton(bar->widget(), 400, 100);
         ASSERT_TRUE(runMainLoopUntil([&] { return !bar->isEditing(); }));
     }
 
@@ -42,7 +36,6 @@ protected:
     }
 
     std::unique_ptr<AddressBar> bar;
-    GtkWidget* box = nullptr;
     GtkWidget* neighbour = nullptr;
 };
 
@@ -154,6 +147,9 @@ TEST_F(AddressBarTest, EditingBeginsWithAllSelectedAndEndsWithACancel)
     EXPECT_TRUE(runMainLoopUntil([&] { return bar->isEditing(); }));
     EXPECT_EQ(selection(), (std::pair<int, int> { 0, 20 }));
     EXPECT_TRUE(gtk_widget_get_can_target(bar->field())) << "while editing, clicks place the caret";
+    gtk_editable_set_position(GTK_EDITABLE(bar->field()), 4);
+    bar->click(100, 14);
+    EXPECT_EQ(selection(), (std::pair<int, int> { 4, 4 }));
 
     gtk_widget_grab_focus(neighbour);
     EXPECT_TRUE(runMainLoopUntil([&] { return !bar->isEditing(); }));
@@ -173,7 +169,7 @@ TEST_F(AddressBarTest, LeavingTheWindowEndsEditingQuietly)
         return true;
     };
     g_object_ref(bar->widget());
-    gtk_box_remove(GTK_BOX(box), bar->widget());
+    gtk_box_remove(GTK_BOX(gtk_widget_get_parent(bar->widget())), bar->widget());
     EXPECT_FALSE(bar->isEditing());
     EXPECT_EQ(reports, 0) << "the window is the one going away: nothing to tell it";
     gtk_widget_grab_focus(neighbour);
@@ -214,32 +210,9 @@ TEST_F(AddressBarTest, AClickOutsideThePinStartsEditing)
     }
 }
 
-TEST_F(AddressBarTest, AClickWhileEditingLeavesTheCaretToTheField)
-{
-    hostWithNeighbour();
-    bar->setText("example.org");
-    bar->focusAndSelectAll();
-    ASSERT_TRUE(runMainLoopUntil([&] { return bar->isEditing(); }));
-    gtk_editable_set_position(GTK_EDITABLE(bar->field()), 4);
-    bar->click(100, 14);
-    EXPECT_EQ(selection(), (std::pair<int, int> { 4, 4 }));
-}
-
 TEST_F(AddressBarTest, FieldAndPinLayout)
 {
-    struct Row {
-        double barWidth;
-        bool pinShown;
-        double fieldWidth;
-    };
-    const Row rows[] = {
-        { 400, false, 380 }, { 400, true, 356 }, { 30, false, 10 }, { 30, true, 0 }, // never below 0
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.barWidth << " wide, pin " << row.pinShown);
-        EXPECT_DOUBLE_EQ(AddressBar::fieldWidth(row.barWidth, row.pinShown), row.fieldWidth);
-    }
-
+    EXPECT_EQ(AddressBar::fieldWidth(30, true), 0) << "never below 0";
     host(bar->widget(), 400, 28);
     graphene_rect_t field, pin;
     ASSERT_TRUE(gtk_widget_compute_bounds(bar->field(), bar->widget(), &field));
@@ -252,11 +225,8 @@ TEST_F(AddressBarTest, FieldAndPinLayout)
     settle(bar->widget());
     ASSERT_TRUE(gtk_widget_compute_bounds(bar->field(), bar->widget(), &field));
     ASSERT_TRUE(gtk_widget_compute_bounds(bar->pin().widget(), bar->widget(), &pin));
-    EXPECT_EQ(field.size.width, 356);
+    EXPECT_EQ(field.size.width, 356) << "the field makes room for the pin at the right end";
     EXPECT_EQ(pin.origin.x, 372);
-    EXPECT_EQ(pin.origin.y, 3);
-    EXPECT_EQ(pin.size.width, 22);
-    EXPECT_EQ(pin.size.height, 22);
 }
 
 struct ColourCase {
@@ -272,7 +242,6 @@ TEST_F(AddressBarTest, TextIsReadableOnTheField)
         { "cyan", "charcoal", Color::fromHex(0x404040), Color::fromHex(0xC0FFFF) },
         { "cyan", "white", Color::fromHex(0xFFFFFF), Color::fromHex(0x000000) },
         { "charcoal", "gunmetal", Color::fromHex(0x282828), Color::fromHex(0xFFFFFF) },
-        { "blue", "black", Color::fromHex(0x000000), Color::fromHex(0x5A9BEA) },
     };
     host(bar->widget(), 400, 28);
     bar->setText("MMMMMMMM");

@@ -7,27 +7,6 @@ namespace {
 
 using BlankSlateTest = WidgetTest;
 
-TEST(BlankSlateGeometry, MarkSide)
-{
-    struct Row {
-        int width, height, side;
-    };
-    const Row rows[] = { { 800, 600, 585 }, { 100, 100, 97 }, { 1000, 41, 39 }, { 0, 50, 0 } };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.width << "x" << row.height);
-        EXPECT_EQ(BlankSlate::markSide(row.width, row.height), row.side);
-    }
-}
-
-TEST_F(BlankSlateTest, TheIconIsCompiledInAndDecodes)
-{
-    GdkTexture* mark = BlankSlate::mark();
-    ASSERT_NE(mark, nullptr);
-    EXPECT_EQ(gdk_texture_get_width(mark), gdk_texture_get_height(mark));
-    EXPECT_GE(gdk_texture_get_width(mark), 512);
-    EXPECT_EQ(BlankSlate::mark(), mark) << "decoded once";
-}
-
 TEST_F(BlankSlateTest, DrawsAFaintMarkOnItsDarkField)
 {
     const Color dark = Color::fromHex(0x141414);
@@ -44,6 +23,12 @@ TEST_F(BlankSlateTest, DrawsAFaintMarkOnItsDarkField)
     Pixel tile = image.at(200, 160);
     EXPECT_GT(tile.blue, tile.red + 4);
     EXPECT_TRUE(near(tile, dark, 40)) << tile;
+    // The compiled-in icon, decoded once.
+    GdkTexture* mark = BlankSlate::mark();
+    ASSERT_NE(mark, nullptr);
+    EXPECT_EQ(gdk_texture_get_width(mark), gdk_texture_get_height(mark));
+    EXPECT_GE(gdk_texture_get_width(mark), 512);
+    EXPECT_EQ(BlankSlate::mark(), mark);
 }
 
 TEST_F(BlankSlateTest, ClicksPassThroughToThePage)

@@ -24,44 +24,37 @@ GtkWidget* redChild()
     return area;
 }
 
-TEST_F(ChromeRowsTest, TheToolbarIsTheFieldColourOverAFixedLine)
+// The toolbar is the field colour over a fixed bottom line, the title bar row the border colour; both follow
+// the settings and draw under their children.
+TEST_F(ChromeRowsTest, EachRowDrawsItsColourUnderItsChildren)
 {
     struct Row {
         const char* field;
+        const char* border;
         Color fieldColor;
+        Color borderColor;
     };
-    const Row rows[] = { { "charcoal", Color::fromHex(0x404040) }, { "white", Color::fromHex(0xFFFFFF) } };
+    const Row rows[] = { { "charcoal", "gunmetal", Color::fromHex(0x404040), Color::fromHex(0x282828) },
+        { "white", "blue", Color::fromHex(0xFFFFFF), Color::fromHex(0x5A9BEA) } };
+    const Color red = Color::fromHex(0xFF0000);
     ToolbarRow toolbar;
     toolbar.append(redChild());
     host(toolbar.widget(), 300, ToolbarRow::height);
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.field);
-        setColors("cyan", "magenta", "grey", row.field, "gunmetal");
-        Rendering image = render(toolbar.widget());
-        EXPECT_TRUE(pixelIs(image.at(150, 20), row.fieldColor));
-        EXPECT_TRUE(pixelIs(image.at(150, 40), row.fieldColor));
-        EXPECT_TRUE(pixelIs(image.at(150, 41), Color::fromHex(0x4F4F4F))) << "the bottom line";
-        EXPECT_TRUE(pixelIs(image.at(10, 10), Color::fromHex(0xFF0000))) << "the children over it";
-    }
-}
-
-TEST_F(ChromeRowsTest, TheTitlebarRowIsTheBorderColour)
-{
-    struct Row {
-        const char* border;
-        Color borderColor;
-    };
-    const Row rows[] = { { "gunmetal", Color::fromHex(0x282828) }, { "blue", Color::fromHex(0x5A9BEA) } };
     TitlebarRow titlebar;
     titlebar.append(redChild());
     host(titlebar.widget(), 300, TitlebarRow::minimumHeight);
     for (const Row& row : rows) {
-        SCOPED_TRACE(row.border);
-        setColors("cyan", "magenta", "grey", "charcoal", row.border);
-        Rendering image = render(titlebar.widget());
-        EXPECT_TRUE(pixelIs(image.at(150, 14), row.borderColor));
-        EXPECT_TRUE(pixelIs(image.at(150, 27), row.borderColor));
-        EXPECT_TRUE(pixelIs(image.at(10, 10), Color::fromHex(0xFF0000)));
+        SCOPED_TRACE(row.field);
+        setColors("cyan", "magenta", "grey", row.field, row.border);
+        Rendering tools = render(toolbar.widget());
+        EXPECT_TRUE(pixelIs(tools.at(150, 20), row.fieldColor));
+        EXPECT_TRUE(pixelIs(tools.at(150, 40), row.fieldColor));
+        EXPECT_TRUE(pixelIs(tools.at(150, 41), Color::fromHex(0x4F4F4F))) << "the bottom line";
+        EXPECT_TRUE(pixelIs(tools.at(10, 10), red)) << "the children over it";
+        Rendering title = render(titlebar.widget());
+        EXPECT_TRUE(pixelIs(title.at(150, 14), row.borderColor));
+        EXPECT_TRUE(pixelIs(title.at(150, 27), row.borderColor));
+        EXPECT_TRUE(pixelIs(title.at(10, 10), red));
     }
 }
 

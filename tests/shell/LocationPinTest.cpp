@@ -7,40 +7,21 @@ namespace {
 
 using LocationPinTest = WidgetTest;
 
-TEST_F(LocationPinTest, DescribesItsState)
-{
-    struct Row {
-        bool lit;
-        const char* tooltip;
-    };
-    const Row rows[] = {
-        { true, "This site can see your location" },
-        { false, "This site cannot see your location" },
-    };
-    LocationPin pin;
-    EXPECT_FALSE(pin.isShown());
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.lit ? "lit" : "dark");
-        pin.setLit(row.lit);
-        EXPECT_EQ(pin.isLit(), row.lit);
-        EXPECT_STREQ(gtk_widget_get_tooltip_text(pin.widget()), row.tooltip);
-    }
-    EXPECT_FALSE(gtk_widget_get_focusable(pin.widget()));
-}
-
-TEST_F(LocationPinTest, IsGreenAndHaloedWhenLit)
+TEST_F(LocationPinTest, IsGreenAndHaloedWhenLitAndSaysWhy)
 {
     const Color black = Color::fromHex(0x000000);
-    const Color lit = Color::fromHex(0x3CD05C);
-    const Color dark = Color::fromHex(0x6A6A6A);
     struct Row {
         bool lit;
         Color symbol;
         Color halo;
+        const char* tooltip;
     };
     // The halo is the lit colour at 0.22 over black: (13, 46, 20).
-    const Row rows[] = { { true, lit, rgb(13, 46, 20) }, { false, dark, black } };
+    const Row rows[] = { { true, Color::fromHex(0x3CD05C), rgb(13, 46, 20), "This site can see your location" },
+        { false, Color::fromHex(0x6A6A6A), black, "This site cannot see your location" } };
     LocationPin pin;
+    EXPECT_FALSE(pin.isShown());
+    EXPECT_FALSE(gtk_widget_get_focusable(pin.widget()));
     int presses = 0;
     pin.onPress = [&] { ++presses; };
     pin.setShown(true);
@@ -48,6 +29,8 @@ TEST_F(LocationPinTest, IsGreenAndHaloedWhenLit)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.lit ? "lit" : "dark");
         pin.setLit(row.lit);
+        EXPECT_EQ(pin.isLit(), row.lit);
+        EXPECT_STREQ(gtk_widget_get_tooltip_text(pin.widget()), row.tooltip);
         Rendering image = render(pin.widget(), black);
         // The 11-point symbol is 14 pixels square from (4, 4); the halo grows it by 4 on every side.
         EXPECT_TRUE(pixelIs(image.farthestFrom(row.halo, 4, 4, 14, 14), row.symbol, 3));

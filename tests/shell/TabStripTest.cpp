@@ -10,85 +10,32 @@
 namespace velder::test {
 namespace {
 
-TEST(TabStripLayout, SlotWidth)
+// Slots share what the strip leaves them, 58 to 200 wide; the + button follows the last slot, or stops at
+// the strip's end when the slots run past it.
+TEST(TabStripLayout, SlotsShareTheStripAndClipUnderThePlusButton)
 {
     struct Row {
         double stripWidth, inset;
         std::size_t count;
-        double width;
+        double width, plusX;
     };
     const Row rows[] = {
-        { 1200, 12, 0, 200 }, // no slots
-        { 1200, 12, 1, 200 }, // one tab never stretches past 200
-        { 200, 12, 1, 152 }, // a narrow window: 200 - 12 - 30 - 6
-        { 1200, 12, 8, 144 }, // (1200 - 48) / 8
-        { 600, 80, 3, 484.0 / 3 }, // a wider inset leaves less
-        { 800, 12, 20, 58 }, // many tabs stay 58 wide and run off the end
-        { 40, 12, 1, 58 }, // nothing left at all
+        { 1200, 12, 0, 200, 14 }, // no tabs: + right after the inset
+        { 1200, 12, 1, 200, 214 }, // one tab never stretches past 200
+        { 600, 80, 3, 484.0 / 3, 564 }, // a wider inset leaves less
+        { 800, 12, 16, 58, 764 }, // at 16 tabs the slots clip under +
     };
     for (const Row& row : rows) {
-        SCOPED_TRACE(
-            testing::Message() << row.stripWidth << " wide, inset " << row.inset << ", " << row.count << " slots");
-        EXPECT_DOUBLE_EQ(TabStrip::slotWidth(row.stripWidth, row.inset, row.count), row.width);
+        SCOPED_TRACE(testing::Message() << row.stripWidth << " wide, inset " << row.inset << ", " << row.count);
+        double width = TabStrip::slotWidth(row.stripWidth, row.inset, row.count);
+        EXPECT_DOUBLE_EQ(width, row.width);
+        EXPECT_DOUBLE_EQ(TabStrip::newTabButtonX(row.stripWidth, row.inset, width, row.count), row.plusX);
     }
-}
-
-TEST(TabStripLayout, SlotIndexAtX)
-{
-    struct Row {
-        double x, inset, width;
-        std::size_t count;
-        int index;
-    };
-    const Row rows[] = {
-        { 300, 12, 200, 0, 0 }, // no slots
-        { 5, 12, 200, 3, 0 }, // left of the inset
-        { 12, 12, 200, 3, 0 }, { 211.9, 12, 200, 3, 0 }, { 212, 12, 200, 3, 1 }, // the next slot begins
-        { 5000, 12, 200, 3, 2 }, // past the last slot
-        { 14.5, 12, 0.5, 5, 2 }, // a width under 1 counts as 1
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(testing::Message() << "x " << row.x << ", width " << row.width << ", " << row.count << " slots");
-        EXPECT_EQ(TabStrip::slotIndexAtX(row.x, row.inset, row.width, row.count), row.index);
-    }
-}
-
-TEST(TabStripLayout, NewTabButtonX)
-{
-    struct Row {
-        double stripWidth, inset, width;
-        std::size_t count;
-        double x;
-    };
-    const Row rows[] = {
-        { 1200, 12, 200, 0, 14 }, // right after the inset
-        { 1200, 12, 200, 2, 414 }, // follows the last tab
-        { 300, 12, 200, 1, 214 }, { 800, 12, 58, 20, 764 }, // many tabs: stops at the right edge, over the last slots
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.stripWidth << " wide, " << row.count << " slots of " << row.width);
-        EXPECT_DOUBLE_EQ(TabStrip::newTabButtonX(row.stripWidth, row.inset, row.width, row.count), row.x);
-    }
-}
-
-TEST(TabStripLayout, CloseButtonRule)
-{
-    struct Row {
-        double width;
-        bool hovered, active, shown;
-    };
-    const Row rows[] = {
-        { 57, false, false, true },
-        { 46, false, false, true },
-        { 45.5, false, false, false },
-        { 30, true, false, true },
-        { 30, false, true, true },
-        { 0, false, false, false },
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.width << " wide, hovered " << row.hovered << ", active " << row.active);
-        EXPECT_EQ(TabSlot::showsCloseButton(row.width, row.hovered, row.active), row.shown);
-    }
+    // A slot too narrow for its close button shows it only when hovered or active.
+    EXPECT_TRUE(TabSlot::showsCloseButton(46, false, false));
+    EXPECT_FALSE(TabSlot::showsCloseButton(45.5, false, false));
+    EXPECT_TRUE(TabSlot::showsCloseButton(30, true, false));
+    EXPECT_TRUE(TabSlot::showsCloseButton(30, false, true));
 }
 
 // A strip wired the way the window wires it: reorders move the titles, then come back through setTabs.
@@ -194,6 +141,12 @@ TEST_F(TabStripTest, PressSelectsAndDragReordersLive)
         { "left of the inset", 2, 500, { 480, 0 }, { { 2, 0 } }, 0, 12, { "C", "A", "B", "D" } },
         { "there and back", 1, 300, { 420, 300 }, { { 1, 2 }, { 2, 1 } }, 1, 212, { "A", "B", "C", "D" } },
     };
+    setTitles({ "A", "B", "C", "D" }, 0);
+    strip->beginPress(1, 300);
+    strip->dragPointer(900);
+    strip->endPress();
+    EXPECT_EQ(selected, std::vector<int> { 1 });
+    EXPECT_TRUE(reorders.empty()) << "without a window a press only selects";
     host(strip->widget(), 1000, 28);
     for (const DragCase& row : cases) {
         SCOPED_TRACE(row.name);
@@ -214,13 +167,9 @@ TEST_F(TabStripTest, PressSelectsAndDragReordersLive)
         EXPECT_EQ(strip->dragIndex(), std::nullopt);
         EXPECT_EQ(titles(), row.titles);
     }
-}
 
-TEST_F(TabStripTest, TheDraggedSlotIsLaidOutUnderThePointer)
-{
-    host(strip->widget(), 1000, 28);
-    setTitles({ "A", "B", "C", "D" }, 0);
-    strip->beginPress(0, 100); // grabbed 88 from its left edge
+    // The dragged slot is laid out under the pointer, and snaps back to its place when let go.
+    strip->beginPress(0, 100);
     strip->dragPointer(150);
     settle(strip->widget());
     graphene_rect_t frame;
@@ -230,24 +179,27 @@ TEST_F(TabStripTest, TheDraggedSlotIsLaidOutUnderThePointer)
     strip->endPress();
     settle(strip->widget());
     ASSERT_TRUE(gtk_widget_compute_bounds(strip->slot(0).widget(), strip->widget(), &frame));
-    EXPECT_EQ(frame.origin.x, 12) << "the slot snaps back to its place";
+    EXPECT_EQ(frame.origin.x, 12);
 }
 
-TEST_F(TabStripTest, WithoutAWindowAPressOnlySelects)
-{
-    setTitles({ "A", "B", "C" }, 0);
-    strip->beginPress(0, 50);
-    strip->dragPointer(500);
-    strip->endPress();
-    EXPECT_EQ(selected, std::vector<int> { 0 });
-    EXPECT_TRUE(reorders.empty());
-}
-
-TEST_F(TabStripTest, MiddleButtonAndCloseButtonClose)
+TEST_F(TabStripTest, ButtonsCloseOpenAndAskForTheTabsMenu)
 {
     host(strip->widget(), 1000, 28);
+    int newTabs = 0;
+    strip->onNewTab = [&] { ++newTabs; };
+    std::vector<int> asked;
+    strip->onContextMenu = [&](int index) {
+        asked.push_back(index);
+        if (index == 2) {
+            return GObjectPtr<GMenuModel>();
+        }
+        auto menu = GObjectPtr<GMenu>::adopt(g_menu_new());
+        g_menu_append(menu.get(), "Reload", "win.tabMenuReload");
+        return GObjectPtr<GMenuModel>::adopt(G_MENU_MODEL(menu.release()));
+    };
     setTitles({ "A", "B", "C" }, 0);
     settle(strip->widget());
+
     TabSlot& background = strip->slot(2);
     background.pointerEntered();
     background.middleButtonReleased(30, 10);
@@ -255,29 +207,21 @@ TEST_F(TabStripTest, MiddleButtonAndCloseButtonClose)
     background.middleButtonReleased(-5, 10);
     background.middleButtonReleased(30, 40);
     EXPECT_EQ(closed.size(), 1u) << "released outside the slot, nothing closes";
-
     ChromeButton& close = strip->slot(1).closeButton();
     close.press();
     close.release(5, 5);
     EXPECT_EQ(closed, (std::vector<int> { 2, 1 }));
-}
 
-TEST_F(TabStripTest, TheNewTabButtonAsksForANewTab)
-{
-    host(strip->widget(), 1000, 28);
-    int newTabs = 0;
-    strip->onNewTab = [&] { ++newTabs; };
-    setTitles({ "A" }, 0);
-    settle(strip->widget());
     strip->newTabButton().press();
     strip->newTabButton().release(10, 10);
     EXPECT_EQ(newTabs, 1);
     EXPECT_STREQ(gtk_widget_get_tooltip_text(strip->newTabButton().widget()), "New Tab");
-    graphene_rect_t frame;
-    ASSERT_TRUE(gtk_widget_compute_bounds(strip->newTabButton().widget(), strip->widget(), &frame));
-    EXPECT_EQ(frame.origin.x, 214);
-    EXPECT_EQ(frame.size.width, 30);
-    EXPECT_EQ(frame.size.height, 26);
+
+    EXPECT_TRUE(strip->slot(1).openContextMenu(40, 12));
+    EXPECT_NE(PopupMenu::openMenu(strip->slot(1).widget()), nullptr);
+    EXPECT_FALSE(strip->slot(2).openContextMenu(40, 12));
+    EXPECT_EQ(PopupMenu::openMenu(strip->slot(2).widget()), nullptr);
+    EXPECT_EQ(asked, (std::vector<int> { 1, 2 }));
 }
 
 TEST_F(TabStripTest, BarePartsAreLeftToTheWindowHandle)
@@ -308,27 +252,6 @@ TEST_F(TabStripTest, BarePartsAreLeftToTheWindowHandle)
     }
 }
 
-TEST_F(TabStripTest, SecondaryClickShowsTheTabsMenu)
-{
-    host(strip->widget(), 1000, 28);
-    setTitles({ "A", "B", "C" }, 0);
-    std::vector<int> asked;
-    strip->onContextMenu = [&](int index) {
-        asked.push_back(index);
-        if (index == 2) {
-            return GObjectPtr<GMenuModel>();
-        }
-        auto menu = GObjectPtr<GMenu>::adopt(g_menu_new());
-        g_menu_append(menu.get(), "Reload", "win.tabMenuReload");
-        return GObjectPtr<GMenuModel>::adopt(G_MENU_MODEL(menu.release()));
-    };
-    EXPECT_TRUE(strip->slot(1).openContextMenu(40, 12));
-    EXPECT_NE(PopupMenu::openMenu(strip->slot(1).widget()), nullptr);
-    EXPECT_FALSE(strip->slot(2).openContextMenu(40, 12));
-    EXPECT_EQ(PopupMenu::openMenu(strip->slot(2).widget()), nullptr);
-    EXPECT_EQ(asked, (std::vector<int> { 1, 2 }));
-}
-
 TEST_F(TabStripTest, DrawsTheActiveAndHoveredBodies)
 {
     setColors("cyan", "magenta", "grey", "charcoal", "gunmetal");
@@ -345,9 +268,6 @@ TEST_F(TabStripTest, DrawsTheActiveAndHoveredBodies)
     EXPECT_TRUE(pixelIs(image.at(150, 5), gunmetal)) << "a plain slot has no body";
     EXPECT_TRUE(pixelIs(image.at(300, 5), charcoal)) << "the active body is the field colour";
     EXPECT_TRUE(pixelIs(image.at(300, 3), magenta)) << "with the highlight colour round it";
-    EXPECT_TRUE(pixelIs(image.at(300, 24), magenta));
-    EXPECT_TRUE(pixelIs(image.at(196, 14), magenta));
-    EXPECT_TRUE(pixelIs(image.at(300, 1), gunmetal)) << "the body leaves 3 pixels above it";
     // Gunmetal (40) lifted by 0.18: 40 + 215 * 0.18 = 79.
     EXPECT_TRUE(pixelIs(image.at(480, 5), rgb(79, 79, 79))) << "the hovered slot is shaded";
 }
@@ -363,17 +283,13 @@ struct TitleCase {
 
 TEST_F(TabStripTest, TitlesFollowTheContrastRule)
 {
-    const Color cyan = Color::fromHex(0xC0FFFF);
     const Color grey = Color::fromHex(0x808080);
     const Color red = Color::fromHex(0xE05252);
     const Color black = Color::fromHex(0x000000);
     const Color white = Color::fromHex(0xFFFFFF);
     const TitleCase cases[] = {
-        { "cyan", "grey", "charcoal", "gunmetal", cyan, grey }, // both readable as they are
-        { "cyan", "grey", "white", "white", black, grey }, // cyan on white becomes black
+        { "cyan", "grey", "white", "gunmetal", black, grey }, // cyan on white becomes black; grey stays
         { "red", "charcoal", "white", "gunmetal", red, white }, // red stays on white; charcoal on gunmetal doesn't
-        { "black", "grey", "black", "silver", white, black }, // black on black, grey on silver
-        { "white", "white", "yellow", "yellow", black, black }, // white on yellow
     };
     host(strip->widget(), 600, 28);
     setTitles({ "MMMMMMMM", "MMMMMMMM" }, 0);

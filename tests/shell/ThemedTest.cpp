@@ -44,30 +44,26 @@ TEST_F(ThemedTest, APostFromAnotherThreadIsAppliedOnTheMainThread)
     g_object_unref(widget);
 }
 
-TEST_F(ThemedTest, AHopStillQueuedWhenTheTokenGoesDoesNothing)
+// Nothing reaches a subscription whose token went, nor a widget that has gone, even a hop already queued from
+// another thread.
+TEST_F(ThemedTest, NothingReachesAnEndedSubscriptionOrAGoneWidget)
 {
-    GtkWidget* widget = g_object_ref_sink(gtk_label_new(""));
-    int applied = 0;
-    auto token = Themed::subscribeToTheme(widget, [&] { ++applied; });
-    std::thread poster([this] { post(); });
-    poster.join();
-    token = {};
-    drain();
-    EXPECT_EQ(applied, 0);
-    g_object_unref(widget);
-}
-
-TEST_F(ThemedTest, AWidgetThatHasGoneIsNotCalled)
-{
-    GtkWidget* widget = g_object_ref_sink(gtk_label_new(""));
-    int applied = 0;
-    auto token = Themed::subscribeToTheme(widget, [&] { ++applied; });
-    g_object_unref(widget);
-    post();
-    std::thread poster([this] { post(); });
-    poster.join();
-    drain();
-    EXPECT_EQ(applied, 0);
+    for (bool widgetGoes : { false, true }) {
+        SCOPED_TRACE(widgetGoes ? "the widget goes" : "the token goes");
+        GtkWidget* widget = g_object_ref_sink(gtk_label_new(""));
+        int applied = 0;
+        auto token = Themed::subscribeToTheme(widget, [&] { ++applied; });
+        std::thread([this] { post(); }).join();
+        if (widgetGoes) {
+            g_clear_object(&widget);
+            post();
+        } else {
+            token = {};
+        }
+        drain();
+        EXPECT_EQ(applied, 0);
+        g_clear_object(&widget);
+    }
 }
 
 } // namespace

@@ -7,39 +7,6 @@
 namespace velder::test {
 namespace {
 
-TEST(UrlSuggestionsGeometry, HeightIsRowsAndInsets)
-{
-    EXPECT_EQ(UrlSuggestions::height(8), 280);
-    EXPECT_EQ(UrlSuggestions::height(1), 42);
-    EXPECT_EQ(UrlSuggestions::height(0), 8);
-}
-
-TEST(UrlSuggestionsGeometry, RowAt)
-{
-    struct Row {
-        double y, height;
-        std::size_t rows;
-        std::optional<int> row;
-    };
-    const Row rows[] = {
-        { 0, 280, 8, 0 }, // the top inset belongs to the first row
-        { 3.9, 280, 8, 0 },
-        { 37.9, 280, 8, 0 },
-        { 38, 280, 8, 1 },
-        { 275.9, 280, 8, 7 },
-        { 276, 280, 8, std::nullopt }, // the bottom inset
-        { 279.5, 280, 8, std::nullopt },
-        { -0.5, 280, 8, std::nullopt }, // outside
-        { 280, 280, 8, std::nullopt },
-        { 110, 280, 3, std::nullopt }, // past the last row of a list taller than its rows
-        { 20, 280, 0, std::nullopt },
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(testing::Message() << "y " << row.y << " in " << row.height << " with " << row.rows << " rows");
-        EXPECT_EQ(UrlSuggestions::rowAt(row.y, row.height, row.rows), row.row);
-    }
-}
-
 class UrlSuggestionsTest : public WidgetTest {
 protected:
     void SetUp() override
@@ -158,7 +125,8 @@ TEST_F(UrlSuggestionsTest, ThePointerHoversAndAcceptsRows)
         double y;
         std::optional<int> hover;
     };
-    const Row rows[] = { { 2, 0 }, { 60, 1 }, { 105, 2 }, { 107, std::nullopt }, { 40, 1 } };
+    // Rows of 34 from 4 down; the top inset joins the first row, the bottom one is no row's.
+    const Row rows[] = { { 0, 0 }, { 37.9, 0 }, { 38, 1 }, { 105, 2 }, { 107, std::nullopt }, { -0.5, std::nullopt } };
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << "y " << row.y);
         list->pointerMoved(50, row.y);
@@ -199,15 +167,10 @@ TEST_F(UrlSuggestionsTest, DrawsSelectedHoveredAndPlainRows)
     EXPECT_TRUE(pixelIs(image.at(390, 40), magenta)) << "the selected row is the highlight colour";
     // Charcoal (64) lifted by 0.12: 64 + 191 * 0.12 = 87.
     EXPECT_TRUE(pixelIs(image.at(390, 74), rgb(87, 87, 87))) << "the hovered row is shaded";
-    // Silver at 0.35 over charcoal: 64 + 128 * 0.35 = 109.
-    EXPECT_TRUE(pixelIs(image.at(200, 0), rgb(109, 109, 109))) << "the border";
 
     EXPECT_TRUE(pixelIs(image.farthestFrom(charcoal, 10, 7, 200, 15), cyan, 40)) << "a plain title";
     EXPECT_TRUE(pixelIs(image.farthestFrom(charcoal, 10, 22, 200, 13), silver, 40)) << "a plain address";
     EXPECT_TRUE(pixelIs(image.farthestFrom(magenta, 10, 41, 200, 15), white, 40)) << "the selected title";
-    // White at 0.75 over magenta: (255 * 0.75 + 192 * 0.25, 0 + 255 * 0.75, ...) = (239, 191, 239).
-    EXPECT_TRUE(pixelIs(image.farthestFrom(magenta, 10, 56, 200, 13), rgb(239, 191, 239), 40))
-        << "the selected address";
 }
 
 TEST_F(UrlSuggestionsTest, AnUntitledEntryShowsItsHost)

@@ -161,6 +161,18 @@ GtkWindow* WidgetTest::hostIn(GtkWidget* container, GtkWidget* child, int width,
     return GTK_WINDOW(window);
 }
 
+GtkWidget* WidgetTest::hostAboveButton(GtkWidget* widget, int width, int height)
+{
+    GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+    GtkWidget* button = gtk_button_new_with_label("Elsewhere");
+    gtk_box_append(GTK_BOX(box), widget);
+    gtk_box_append(GTK_BOX(box), button);
+    hostIn(box, widget, width, height);
+    // A window focuses its first focusable widget when it maps.
+    gtk_widget_grab_focus(button);
+    return button;
+}
+
 void WidgetTest::settle(GtkWidget* widget)
 {
     // Layout runs in the frame after a change; two frame ticks mean that one full frame has passed.
@@ -212,7 +224,7 @@ void takePicture(GdkFrameClock*, gpointer data)
 
 } // namespace
 
-Rendering renderWidget(GtkWidget* widget, Color background, const std::string& pngPath)
+Rendering WidgetTest::render(GtkWidget* widget, Color background)
 {
     PendingRendering pending { widget, background };
     GdkFrameClock* clock = gtk_widget_get_frame_clock(widget);
@@ -242,9 +254,6 @@ Rendering renderWidget(GtkWidget* widget, Color background, const std::string& p
     GdkTexture* texture = gsk_renderer_render_texture(renderer, node, &area);
     std::vector<unsigned char> bgra(static_cast<size_t>(width) * height * 4);
     gdk_texture_download(texture, bgra.data(), static_cast<size_t>(width) * 4);
-    if (!pngPath.empty()) {
-        EXPECT_TRUE(gdk_texture_save_to_png(texture, pngPath.c_str())) << "cannot write " << pngPath;
-    }
     g_object_unref(texture);
     gsk_render_node_unref(node);
     gsk_renderer_unrealize(renderer);
@@ -292,11 +301,6 @@ Rendering screenshotWindow(GtkWindow* window, const std::string& pngPath)
     EXPECT_TRUE(gdk_texture_save_to_png(texture, pngPath.c_str())) << "cannot write " << pngPath;
     g_object_unref(texture);
     return Rendering(width, height, std::move(bgra));
-}
-
-Rendering WidgetTest::render(GtkWidget* widget, Color background)
-{
-    return renderWidget(widget, background);
 }
 
 void WidgetTest::drain()

@@ -47,9 +47,6 @@ private:
     std::vector<unsigned char> m_bgra;
 };
 
-// Renders the widget as the next frame paints it, over `background`; with a path, also writes it as a PNG.
-Rendering renderWidget(GtkWidget* widget, Color background, const std::string& pngPath = "");
-
 // What the X server shows of a window, pages included, written as a PNG (X11 displays only).
 Rendering screenshotWindow(GtkWindow* window, const std::string& pngPath);
 
@@ -75,6 +72,9 @@ protected:
     GtkWindow* host(GtkWidget* widget, int width, int height);
     // Shows `child` inside `container` in a window, and waits until `child` is laid out.
     GtkWindow* hostIn(GtkWidget* container, GtkWidget* child, int width, int height);
+    // Shows `widget` in a window above a button, gives the button the focus and returns it: the widget
+    // starts without the focus and has somewhere to lose it to.
+    GtkWidget* hostAboveButton(GtkWidget* widget, int width, int height);
 
     // Lets a frame pass, so that what a change queued is laid out.
     void settle(GtkWidget* widget);

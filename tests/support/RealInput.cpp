@@ -2,6 +2,7 @@
 
 #include <X11/Xlib.h>
 #include <dlfcn.h>
+#include <functional>
 #include <gdk/x11/gdkx.h>
 #include <vector>
 
@@ -55,10 +56,16 @@ bool available()
 
 namespace {
 
-// The widget's toplevel X window, raised and given the keyboard, and where (x, y) of the widget lies on the
-// screen. Other windows may have come and gone over the same place since the last test.
-Window prepareWindow(Display* display, GtkWidget* widget, double x, double y, int* rootX, int* rootY)
+// Raises the widget's toplevel X window, gives it the keyboard and brings the pointer onto (x, y) of the
+// widget (other windows may have come and gone over the same place since the last test), then makes the
+// gesture with the modifier keys held.
+void gesture(GtkWidget* widget, double x, double y, std::initializer_list<unsigned> modifiers,
+    const std::function<void(Display*)>& make)
 {
+    Display* display = xDisplay();
+    if (!display || !xtest()) {
+        return;
+    }
     GtkNative* native = gtk_widget_get_native(widget);
     double inNativeX = 0;
     double inNativeY = 0;
@@ -68,37 +75,34 @@ Window prepareWindow(Display* display, GtkWidget* widget, double x, double y, in
     gtk_native_get_surface_transform(native, &surfaceX, &surfaceY);
     Window window = gdk_x11_surface_get_xid(gtk_native_get_surface(native));
     Window child = 0;
+    int rootX = 0;
+    int rootY = 0;
     XTranslateCoordinates(display, window, DefaultRootWindow(display), static_cast<int>(inNativeX + surfaceX),
-        static_cast<int>(inNativeY + surfaceY), rootX, rootY, &child);
+        static_cast<int>(inNativeY + surfaceY), &rootX, &rootY, &child);
     XRaiseWindow(display, window);
     XSetInputFocus(display, window, RevertToParent, CurrentTime);
     // From elsewhere onto the point, so that the window sees the pointer arrive.
-    xtest()->fakeMotion(display, -1, *rootX > 10 ? *rootX - 10 : *rootX + 10, *rootY, CurrentTime);
-    xtest()->fakeMotion(display, -1, *rootX, *rootY, CurrentTime);
+    xtest()->fakeMotion(display, -1, rootX > 10 ? rootX - 10 : rootX + 10, rootY, CurrentTime);
+    xtest()->fakeMotion(display, -1, rootX, rootY, CurrentTime);
     XSync(display, False);
-    return window;
+    for (unsigned modifier : modifiers) {
+        keyEvent(display, modifier, true);
+    }
+    make(display);
+    for (unsigned modifier : modifiers) {
+        keyEvent(display, modifier, false);
+    }
+    XSync(display, False);
 }
 
 } // namespace
 
 void click(GtkWidget* widget, double x, double y, unsigned button, std::initializer_list<unsigned> modifiers)
 {
-    Display* display = xDisplay();
-    if (!display || !xtest()) {
-        return;
-    }
-    int rootX = 0;
-    int rootY = 0;
-    prepareWindow(display, widget, x, y, &rootX, &rootY);
-    for (unsigned modifier : modifiers) {
-        keyEvent(display, modifier, true);
-    }
-    xtest()->fakeButton(display, button, True, CurrentTime);
-    xtest()->fakeButton(display, button, False, CurrentTime);
-    for (unsigned modifier : modifiers) {
-        keyEvent(display, modifier, false);
-    }
-    XSync(display, False);
+    gesture(widget, x, y, modifiers, [&](Display* display) {
+        xtest()->fakeButton(display, button, True, CurrentTime);
+        xtest()->fakeButton(display, button, False, CurrentTime);
+    });
 }
 
 void pressKeyInPlace(unsigned keyval, std::initializer_list<unsigned> modifiers)
@@ -131,23 +135,11 @@ void movePointer(GtkWidget* widget, double x, double y)
 
 void pressKey(GtkWidget* widget, unsigned keyval, std::initializer_list<unsigned> modifiers)
 {
-    Display* display = xDisplay();
-    if (!display || !xtest()) {
-        return;
-    }
-    int rootX = 0;
-    int rootY = 0;
-    prepareWindow(
-        display, widget, gtk_widget_get_width(widget) / 2.0, gtk_widget_get_height(widget) / 2.0, &rootX, &rootY);
-    for (unsigned modifier : modifiers) {
-        keyEvent(display, modifier, true);
-    }
-    keyEvent(display, keyval, true);
-    keyEvent(display, keyval, false);
-    for (unsigned modifier : modifiers) {
-        keyEvent(display, modifier, false);
-    }
-    XSync(display, False);
+    gesture(widget, gtk_widget_get_width(widget) / 2.0, gtk_widget_get_height(widget) / 2.0, modifiers,
+        [&](Display* display) {
+            keyEvent(display, keyval, true);
+            keyEvent(display, keyval, false);
+        });
 }
 
 bool pressKeyOnScreen(int x, int y, unsigned keyval, std::initializer_list<unsigned> modifiers)

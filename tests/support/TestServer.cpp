@@ -147,12 +147,7 @@ void TestServer::handle(SoupServer*, void* messagePointer, const char* path, voi
     auto* self = static_cast<TestServer*>(selfPointer);
     auto* message = static_cast<SoupServerMessage*>(messagePointer);
     TestRequest request;
-    request.method = soup_server_message_get_method(message);
     request.path = path;
-    GUri* uri = soup_server_message_get_uri(message);
-    if (const char* query = g_uri_get_query(uri)) {
-        request.query = query;
-    }
     SoupMessageHeadersIter iter;
     soup_message_headers_iter_init(&iter, soup_server_message_get_request_headers(message));
     const char* name = nullptr;
@@ -162,7 +157,7 @@ void TestServer::handle(SoupServer*, void* messagePointer, const char* path, voi
         std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return std::tolower(c); });
         request.headers[lower] = value;
     }
-    if (request.path != "/favicon.ico" || self->m_logsFavicon) {
+    if (request.path != "/favicon.ico") {
         self->m_requests.push_back(request);
     }
 

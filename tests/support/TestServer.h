@@ -11,13 +11,9 @@ typedef struct _SoupServer SoupServer;
 namespace velder::test {
 
 struct TestRequest {
-    std::string method;
     std::string path;
-    std::string query; // without the "?"
     std::map<std::string, std::string> headers; // names in lower case
 
-    // "/path" or "/path?query", as the request log holds it.
-    std::string target() const { return query.empty() ? path : path + "?" + query; }
     std::string header(const std::string& lowerCaseName) const;
 };
 
@@ -35,7 +31,7 @@ struct TestResponse {
 
 // An HTTP server on 127.0.0.1 with a port of the system's choosing, serving the routes a test gives it and
 // 404 for anything else. It runs on the default main context, so it answers while a test runs the loop.
-// The request log leaves out /favicon.ico (which the engine asks for by itself) unless told otherwise.
+// The request log leaves out /favicon.ico, which the engine asks for by itself.
 class TestServer {
 public:
     using Handler = std::function<TestResponse(const TestRequest&)>;
@@ -54,7 +50,6 @@ public:
 
     void route(const std::string& path, TestResponse response);
     void route(const std::string& path, Handler handler);
-    void setLogsFavicon(bool logs) { m_logsFavicon = logs; }
 
     const std::vector<TestRequest>& requests() const { return m_requests; }
     // How many requests had this path (any query).
@@ -68,7 +63,6 @@ private:
     SoupServer* m_server = nullptr;
     int m_port = 0;
     Scheme m_scheme;
-    bool m_logsFavicon = false;
     std::map<std::string, Handler> m_routes;
     std::vector<TestRequest> m_requests;
     std::vector<std::pair<unsigned, void*>> m_held; // timeout source, paused message
