@@ -47,6 +47,20 @@ void keyEvent(Display* display, unsigned keyval, bool press)
     }
 }
 
+// Presses and releases the key with the modifiers held, wherever the keyboard is.
+void typeKey(Display* display, unsigned keyval, std::initializer_list<unsigned> modifiers)
+{
+    for (unsigned modifier : modifiers) {
+        keyEvent(display, modifier, true);
+    }
+    keyEvent(display, keyval, true);
+    keyEvent(display, keyval, false);
+    for (unsigned modifier : modifiers) {
+        keyEvent(display, modifier, false);
+    }
+    XSync(display, False);
+}
+
 } // namespace
 
 bool available()
@@ -107,30 +121,14 @@ void click(GtkWidget* widget, double x, double y, unsigned button, std::initiali
 
 void pressKeyInPlace(unsigned keyval, std::initializer_list<unsigned> modifiers)
 {
-    Display* display = xDisplay();
-    if (!display || !xtest()) {
-        return;
+    if (Display* display = xDisplay(); display && xtest()) {
+        typeKey(display, keyval, modifiers);
     }
-    for (unsigned modifier : modifiers) {
-        keyEvent(display, modifier, true);
-    }
-    keyEvent(display, keyval, true);
-    keyEvent(display, keyval, false);
-    for (unsigned modifier : modifiers) {
-        keyEvent(display, modifier, false);
-    }
-    XSync(display, False);
 }
 
 void movePointer(GtkWidget* widget, double x, double y)
 {
-    Display* display = xDisplay();
-    if (!display || !xtest()) {
-        return;
-    }
-    int rootX = 0;
-    int rootY = 0;
-    prepareWindow(display, widget, x, y, &rootX, &rootY);
+    gesture(widget, x, y, {}, [](Display*) {});
 }
 
 void pressKey(GtkWidget* widget, unsigned keyval, std::initializer_list<unsigned> modifiers)
@@ -160,14 +158,7 @@ bool pressKeyOnScreen(int x, int y, unsigned keyval, std::initializer_list<unsig
         if (child) {
             XRaiseWindow(display, child);
             XSetInputFocus(display, child, RevertToParent, CurrentTime);
-            for (unsigned modifier : modifiers) {
-                keyEvent(display, modifier, true);
-            }
-            keyEvent(display, keyval, true);
-            keyEvent(display, keyval, false);
-            for (unsigned modifier : modifiers) {
-                keyEvent(display, modifier, false);
-            }
+            typeKey(display, keyval, modifiers);
             pressed = true;
         }
         XSync(display, False);
