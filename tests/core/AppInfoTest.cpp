@@ -22,18 +22,12 @@ TEST(AppInfo, LocationsFollowTheXdgEnvironmentOnEachRead)
     EXPECT_EQ(AppInfo::engineCacheDirectory(), "/p/cache/Velder/engine-cache");
 }
 
-TEST(AppInfo, PrepareDirectoriesMakesOnlyTheDataFolder)
+TEST(AppInfo, PrepareMakesTheDataFolderAndTheEngineLogRotatesAboveTheLimit)
 {
     TestProfile profile;
     AppInfo::prepareDirectories();
     EXPECT_TRUE(std::filesystem::is_directory(AppInfo::dataDirectory()));
-    EXPECT_FALSE(std::filesystem::exists(AppInfo::cacheDirectory()));
-}
-
-TEST(AppInfo, TheEngineLogRotatesOnlyAboveTheLimit)
-{
-    TestProfile profile;
-    AppInfo::prepareDirectories();
+    EXPECT_FALSE(std::filesystem::exists(AppInfo::cacheDirectory())) << "only the data folder is made";
     const std::uint64_t limit = 5242880;
 
     writeBytes(AppInfo::engineLogFile(), std::vector<std::uint8_t>(limit, 'a'));

@@ -4,8 +4,10 @@
 
 #include "core/Date.h"
 #include "core/Log.h"
+#include "support/TestSupport.h"
 
 #include <cstdint>
+#include <ctime>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -48,5 +50,26 @@ inline void expectParts(
         EXPECT_EQ(text.find(part), std::string::npos) << part << "\nfound in\n" << text;
     }
 }
+
+// What an internal page shows between its header and the end of its wrapper.
+inline std::string bodyOf(const std::string& page)
+{
+    size_t start = page.find("</header>") + 9;
+    return page.substr(start, page.rfind("</div></body>") - start);
+}
+
+// Local time for the duration of a test: a POSIX zone needs no zone database.
+class ScopedTimeZone {
+public:
+    explicit ScopedTimeZone(const char* zone)
+        : m_env("TZ", zone)
+    {
+        tzset();
+    }
+    ~ScopedTimeZone() { tzset(); }
+
+private:
+    ScopedEnv m_env;
+};
 
 } // namespace velder::test

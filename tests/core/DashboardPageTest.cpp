@@ -11,24 +11,12 @@ using namespace velder::test;
 using namespace std::chrono_literals;
 
 namespace {
-
-Date noon()
-{
-    return *parseIso8601("2026-11-20T12:00:00Z");
-}
-
-std::string bodyOf(const std::string& page)
-{
-    size_t start = page.find("</header>") + 9;
-    return page.substr(start, page.rfind("</div></body>") - start);
-}
-
+const Date noon = at("2026-11-20T12:00:00Z");
 } // namespace
 
 TEST(DashboardPage, Ago)
 {
-    ScopedEnv zone("TZ", "UTC-2"); // two hours east of UTC
-    tzset();
+    ScopedTimeZone zone("UTC-2"); // two hours east of UTC
     struct Case {
         std::chrono::seconds before;
         const char* text;
@@ -48,10 +36,8 @@ TEST(DashboardPage, Ago)
              { 604800s + 14h + 1s, "2026-11-12" },
          }) {
         SCOPED_TRACE(c.before.count());
-        EXPECT_EQ(DashboardPage::ago(noon() - c.before, noon()), c.text);
+        EXPECT_EQ(DashboardPage::ago(noon - c.before, noon), c.text);
     }
-    unsetenv("TZ");
-    tzset();
 }
 
 TEST(DashboardPage, TilesEscapeWhatTheyShowAndLinkOnlyWebAddresses)
@@ -65,7 +51,7 @@ TEST(DashboardPage, TilesEscapeWhatTheyShowAndLinkOnlyWebAddresses)
     };
     for (const Case& c :
         std::vector<Case> {
-            { { "a.example", "https://a.example/?q=<x>&y", "A \"quoted\" <title>", 1, noon() - 5min, true },
+            { { "a.example", "https://a.example/?q=<x>&y", "A \"quoted\" <title>", 1, noon - 5min, true },
                 { "class=\"tile pinned\"",
                     "<img class=\"mark icon\" alt=\"\" src=\"data:image/png;base64,iVBORw0KGgo=\">",
                     "href=\"velder://dashboard/?unpin=a%2Eexample\"", "href=\"velder://dashboard/?ignore=a%2Eexample\"",
@@ -78,13 +64,13 @@ TEST(DashboardPage, TilesEscapeWhatTheyShowAndLinkOnlyWebAddresses)
                     "<span class=\"sub\">b-b.example</span>", "?unpin=b%2Db%2Eexample\"",
                     "<span class=\"meta\">Pinned</span>" },
                 { "href=\"javascript", "<img" } },
-            { { "\xC3\xBC.example", "http://xn--tda.example/", "", 12, noon() - 3h, false },
+            { { "\xC3\xBC.example", "http://xn--tda.example/", "", 12, noon - 3h, false },
                 { "<div class=\"tile\">", "<span class=\"mark\">\xC3\x9C</span>", "?pin=%C3%BC%2Eexample\"",
                     "<span class=\"sub\">\xC3\xBC.example</span>", "12 visits \xC2\xB7 3 hr ago" },
                 { "?unpin=" } },
         }) {
         SCOPED_TRACE(c.site.site);
-        expectParts(DashboardPage::tile(c.site, noon()), c.has, c.hasNot);
+        expectParts(DashboardPage::tile(c.site, noon), c.has, c.hasNot);
     }
 }
 

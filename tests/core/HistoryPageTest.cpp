@@ -9,30 +9,6 @@
 using namespace velder;
 using namespace velder::test;
 
-namespace {
-
-std::string bodyOf(const std::string& page)
-{
-    size_t start = page.find("</header>") + 9;
-    return page.substr(start, page.rfind("</div></body>") - start);
-}
-
-// Local time for the duration of a test: a POSIX zone needs no zone database.
-class ScopedTimeZone {
-public:
-    explicit ScopedTimeZone(const char* zone)
-        : m_env("TZ", zone)
-    {
-        tzset();
-    }
-    ~ScopedTimeZone() { tzset(); }
-
-private:
-    ScopedEnv m_env;
-};
-
-} // namespace
-
 TEST(HistoryPage, DatesAreLocalMediumDatesWithShortTimes)
 {
     struct Case {

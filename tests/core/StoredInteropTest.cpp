@@ -24,6 +24,20 @@ std::string stored(const std::string& name)
     return testDataPath("stored/" + name);
 }
 
+// A profile holding the named history file, with the shared vault the history store asks for its limit.
+class StoredHistory : public testing::Test {
+protected:
+    void use(const std::string& name)
+    {
+        std::filesystem::create_directories(AppInfo::dataDirectory());
+        copyFile(stored(name), AppInfo::historyFile());
+        Vault::setShared(std::make_shared<Vault>(AppInfo::vaultFile(), testDataKey()));
+    }
+    void TearDown() override { Vault::setShared(nullptr); }
+
+    TestProfile profile;
+};
+
 } // namespace
 
 TEST(StoredInterop, TheKeyFileIsRead)
@@ -99,48 +113,35 @@ TEST(StoredInterop, BrokenVaultsStartFreshAndStayOnDisk)
     }
 }
 
-TEST(StoredInterop, HistoryReadsAsWrittenKeepingTheFirstOfEachAddress)
+TEST_F(StoredHistory, ReadsAsWrittenKeepingTheFirstOfEachAddress)
 {
-    TestProfile profile;
-    std::filesystem::create_directories(AppInfo::dataDirectory());
-    copyFile(stored("history.bin"), AppInfo::historyFile());
-    auto vault = std::make_shared<Vault>(AppInfo::vaultFile(), testDataKey());
-    Vault::setShared(vault);
+    use("history.bin");
     LogCapture log;
     HistoryStore history(AppInfo::historyFile(), testDataKey());
     EXPECT_TRUE(log.lines().empty());
     auto entries = history.entries();
     ASSERT_EQ(entries.size(), 3u);
     EXPECT_EQ(entries[0], (HistoryEntry { "https://a.example/", "A <b>&</b>", at("2026-11-20T08:00:00Z"), 3 }));
-    EXPECT_EQ(entries[1].url, "https://www.b.example/page");
-    EXPECT_EQ(entries[1].title, "");
-    EXPECT_EQ(entries[1].visitCount, 1);
-    EXPECT_EQ(entries[2].url, "https://c.example/\xC3\xBC?q=1#f");
-    EXPECT_EQ(entries[2].title,
-        "\xC3\x9Cn\xC3\xAF"
-        "code \xE2\x9C\x93");
-    EXPECT_EQ(entries[2].visitCount, 2);
+    auto brief = [](const HistoryEntry& e) { return std::tuple(e.url, e.title, e.visitCount); };
+    EXPECT_EQ(brief(entries[1]), std::tuple("https://www.b.example/page", "", 1));
+    EXPECT_EQ(brief(entries[2]),
+        std::tuple("https://c.example/\xC3\xBC?q=1#f",
+            "\xC3\x9Cn\xC3\xAF"
+            "code \xE2\x9C\x93",
+            2));
     EXPECT_EQ(history.suggestions("\xC3\x9CN\xC3\x8F", 8).size(), 1u);
-    Vault::setShared(nullptr);
 }
 
-TEST(StoredInterop, HistoryWithoutAVisitCountStartsFresh)
+TEST_F(StoredHistory, WithoutAVisitCountStartsFresh)
 {
-    TestProfile profile;
-    std::filesystem::create_directories(AppInfo::dataDirectory());
-    copyFile(stored("history-missing-count.bin"), AppInfo::historyFile());
+    use("history-missing-count.bin");
     auto bytes = readBytes(AppInfo::historyFile());
-    auto vault = std::make_shared<Vault>(AppInfo::vaultFile(), testDataKey());
-    Vault::setShared(vault);
     LogCapture log;
-    {
-        HistoryStore history(AppInfo::historyFile(), testDataKey());
-        EXPECT_EQ(history.count(), 0u);
-        expectOneLine(log, "history.bin could not be read (\xE2\x80\xA6); starting fresh.");
-        history.flushNow();
-        EXPECT_EQ(readBytes(AppInfo::historyFile()), bytes);
-    }
-    Vault::setShared(nullptr);
+    HistoryStore history(AppInfo::historyFile(), testDataKey());
+    EXPECT_EQ(history.count(), 0u);
+    expectOneLine(log, "history.bin could not be read (\xE2\x80\xA6); starting fresh.");
+    history.flushNow();
+    EXPECT_EQ(readBytes(AppInfo::historyFile()), bytes);
 }
 
 TEST(StoredInterop, FaviconsReadAsWrittenWithoutEmptyEntries)

@@ -109,7 +109,8 @@ TEST(TopSites, PinsComeFirstAndHistoryFillsUpToTwelve)
 TEST(TopSites, PinsAndIgnoredSitesShapeTheTiles)
 {
     ScopedStores stores;
-    visit(stores.history(), "https://a.example/page", 3, daysAgo(1.5), "A page");
+    const Date aVisited = daysAgo(1.5);
+    visit(stores.history(), "https://a.example/page", 3, aVisited, "A page");
     visit(stores.history(), "https://b.example/", 2, daysAgo(0));
     visit(stores.history(), "https://c.example/", 1, daysAgo(0));
     stores.vault().update([](VaultData& data) {
@@ -127,9 +128,7 @@ TEST(TopSites, PinsAndIgnoredSitesShapeTheTiles)
         << "an ignored site still shows when pinned; unpinned, it is left out";
     EXPECT_EQ(
         tiles[0], (TopSite { "gone.example", "https://gone.example/kept", "Kept title", 0, distantPast(), true }));
-    EXPECT_EQ(tiles[1].url, "https://a.example/page");
-    EXPECT_EQ(tiles[1].title, "A page");
-    EXPECT_EQ(tiles[1].visits, 3);
+    EXPECT_EQ(tiles[1], (TopSite { "a.example", "https://a.example/page", "A page", 3, aVisited, true }));
     EXPECT_EQ(tiles[2].url, "https://b.example/pinned");
     EXPECT_EQ(tiles[2].title, "") << "an empty pin title falls back to the history's, which is empty";
 }

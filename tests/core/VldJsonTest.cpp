@@ -37,11 +37,7 @@ TEST(VldJson, IsDataKeyLooksAtEveryKeyButTheLast)
         { { "settings", "icons" }, false },
     };
     for (const auto& row : rows) {
-        std::string trace;
-        for (auto key : row.path) {
-            trace += std::string(key) + "/";
-        }
-        SCOPED_TRACE(trace);
+        SCOPED_TRACE(&row - rows.data());
         EXPECT_EQ(VldJson::isDataKey(row.path), row.expected);
     }
 }
@@ -104,7 +100,6 @@ TEST(VldJson, StoredFilesMergeOverTheDefaults)
         { "empty object gives the defaults", "{}", [](const VaultData& d) { EXPECT_EQ(d, VaultData()); } },
         { "a field missing inside Settings takes its default", R"({"Settings":{"Homepage":"https://h.example/"}})",
             [](const VaultData& d) {
-                EXPECT_EQ(d.settings.homepage, "https://h.example/");
                 AppSettings expected;
                 expected.homepage = "https://h.example/";
                 EXPECT_EQ(d.settings, expected);
