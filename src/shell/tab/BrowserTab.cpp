@@ -119,6 +119,13 @@ void BrowserTab::changed()
     }
 }
 
+void BrowserTab::locationRequestChanged()
+{
+    if (auto host = m_host.lock()) {
+        host->tabLocationRequestDidChange(*this);
+    }
+}
+
 // MARK: - What the view reports
 
 void BrowserTab::didChangeFaviconURLs(VLDBrowserView&, const std::vector<std::string>& urls)
@@ -198,9 +205,7 @@ void BrowserTab::didWithdrawPermissionRequest(VLDBrowserView&, std::shared_ptr<V
 {
     if (pendingLocationRequest == request) {
         pendingLocationRequest.reset();
-        if (auto host = m_host.lock()) {
-            host->tabLocationRequestDidChange(*this);
-        }
+        locationRequestChanged();
     }
 }
 
@@ -396,9 +401,7 @@ bool BrowserTab::handleLocationRequest(std::shared_ptr<VLDPermissionRequest> req
         }
     }
     pendingLocationRequest = std::move(request);
-    if (auto host = m_host.lock()) {
-        host->tabLocationRequestDidChange(*this);
-    }
+    locationRequestChanged();
     return true;
 }
 
@@ -414,9 +417,7 @@ void BrowserTab::resolveLocation(LocationChoice choice)
         if (request) {
             request->deny();
         }
-        if (auto host = m_host.lock()) {
-            host->tabLocationRequestDidChange(*this);
-        }
+        locationRequestChanged();
         return;
     }
     switch (choice) {
@@ -439,9 +440,7 @@ void BrowserTab::resolveLocation(LocationChoice choice)
         LocationSettings::shared().store(LocationAnswer::block, *origin, m_isPrivate);
         break;
     }
-    if (auto host = m_host.lock()) {
-        host->tabLocationRequestDidChange(*this);
-    }
+    locationRequestChanged();
     changed();
 }
 
@@ -456,9 +455,7 @@ void BrowserTab::refuseParkedLocationRequest()
     if (auto origin = UrlHelper::origin(request->origin())) {
         mirror(*origin);
     }
-    if (auto host = m_host.lock()) {
-        host->tabLocationRequestDidChange(*this);
-    }
+    locationRequestChanged();
 }
 
 bool BrowserTab::isLocationLit() const

@@ -102,6 +102,7 @@ private:
     BrowserTab(std::shared_ptr<VLDBrowserView> view, std::string url, bool isPrivate);
     static std::shared_ptr<BrowserTab> make(const std::string& url, bool isPrivate, bool popupHost);
     void changed();
+    void locationRequestChanged();
     void mirror(const std::string& origin);
 
     std::shared_ptr<VLDBrowserView> m_view;
