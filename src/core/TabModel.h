@@ -60,7 +60,6 @@ public:
             return false;
         }
         m_tabs.erase(m_tabs.begin() + static_cast<std::ptrdiff_t>(*index));
-        std::erase(m_closing, tab);
         if (*index < m_active) {
             --m_active;
         } else if (*index == m_active) {
@@ -92,20 +91,6 @@ public:
     std::size_t nextIndex() const { return m_tabs.empty() ? 0 : (m_active + 1) % m_tabs.size(); }
     std::size_t previousIndex() const { return m_tabs.empty() ? 0 : (m_active + m_tabs.size() - 1) % m_tabs.size(); }
 
-    // Tabs asked to close whose pages haven't answered yet: they stay in the order until they go.
-    void markClosing(const Tab& tab)
-    {
-        if (contains(tab) && !isClosing(tab)) {
-            m_closing.push_back(tab);
-        }
-    }
-    bool isClosing(const Tab& tab) const
-    {
-        return std::find(m_closing.begin(), m_closing.end(), tab) != m_closing.end();
-    }
-    // The page refused to close (it asked to stay): the tab is an ordinary one again.
-    void cancelClosing(const Tab& tab) { std::erase(m_closing, tab); }
-
     // The tabs after `index`, in order, and every tab but the one at `index`: what the tab menu closes.
     std::vector<Tab> tabsAfter(std::size_t index) const
     {
@@ -126,7 +111,6 @@ public:
 
 private:
     std::vector<Tab> m_tabs;
-    std::vector<Tab> m_closing;
     std::size_t m_active = 0;
 };
 

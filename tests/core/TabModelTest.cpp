@@ -95,20 +95,3 @@ TEST(TabModel, AppendingActivatesWhenAskedOrWhenFirst)
     model.select(0);
     EXPECT_EQ(model.previousIndex(), 2u) << "previous wraps round";
 }
-
-TEST(TabModel, ClosingTabsStayUntilTheyGoAndCanBeKeptAfterAll)
-{
-    auto model = modelOf({ "a", "b", "c" }, 0);
-    model.markClosing("b");
-    model.markClosing("b");
-    model.markClosing("x");
-    EXPECT_TRUE(model.isClosing("b"));
-    EXPECT_FALSE(model.isClosing("x"));
-    EXPECT_EQ(order(model), "abc") << "a tab asked to close stays until its page agrees";
-    model.cancelClosing("b");
-    EXPECT_FALSE(model.isClosing("b"));
-    model.markClosing("c");
-    model.remove("c");
-    model.append("c", false);
-    EXPECT_FALSE(model.isClosing("c")) << "a removed tab forgets it was closing";
-}

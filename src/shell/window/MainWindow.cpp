@@ -241,8 +241,7 @@ void MainWindow::closeTab(std::size_t index)
         }
     }
     if (tab->view()->hasBrowser()) {
-        m_tabs.markClosing(tab);
-        tab->view()->requestClose();
+        tab->view()->requestClose(); // the tab stays until its browser is gone
     } else {
         dispose(tab);
     }

@@ -47,6 +47,7 @@ public:
     bool isClosing() const { return m_isClosing; }
 
     // The tabs.
+    const Tabs& tabModel() const { return m_tabs; }
     const std::vector<std::shared_ptr<BrowserTab>>& tabs() const { return m_tabs.tabs(); }
     std::size_t activeIndex() const { return m_tabs.activeIndex(); }
     std::shared_ptr<BrowserTab> activeTab() const;

@@ -142,17 +142,13 @@ void WindowCommands::addMenuItems()
         }
     });
     add("tabCloseOthers", G_VARIANT_TYPE_UINT32, [](MainWindow& window, GVariant* index) {
-        if (auto tab = tabAt(window, index)) {
-            std::vector<std::shared_ptr<BrowserTab>> others;
-            std::copy_if(window.tabs().begin(), window.tabs().end(), std::back_inserter(others),
-                [&](auto& each) { return each != tab; });
-            window.closeTabs(others);
+        if (tabAt(window, index)) {
+            window.closeTabs(window.tabModel().tabsOtherThan(g_variant_get_uint32(index)));
         }
     });
     add("tabCloseToRight", G_VARIANT_TYPE_UINT32, [](MainWindow& window, GVariant* index) {
-        if (auto tab = tabAt(window, index)) {
-            auto position = static_cast<std::ptrdiff_t>(g_variant_get_uint32(index));
-            window.closeTabs({ window.tabs().begin() + position + 1, window.tabs().end() });
+        if (tabAt(window, index)) {
+            window.closeTabs(window.tabModel().tabsAfter(g_variant_get_uint32(index)));
         }
     });
 }
@@ -218,11 +214,10 @@ bool WindowCommands::performOnTabs(BrowserAction action)
         window.performClose();
         return true;
     case Kind::nextTab:
+        window.selectTab(window.tabModel().nextIndex());
+        return true;
     case Kind::prevTab:
-        if (count > 0) {
-            std::size_t step = action.kind == Kind::nextTab ? 1 : count - 1;
-            window.selectTab((window.activeIndex() + step) % count);
-        }
+        window.selectTab(window.tabModel().previousIndex());
         return true;
     case Kind::selectLastTab:
         if (count > 0) {
