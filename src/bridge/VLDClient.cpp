@@ -164,9 +164,11 @@ void onWebProcessTerminated(WebKitWebView*, WebKitWebProcessTerminationReason re
 
 // Navigation decisions
 
-// A click that asks for a new tab: middle or Ctrl (background, foreground with Shift), Shift alone (a new
-// window), or a link that targets a new window. The value is whether the tab comes to the front.
-std::optional<bool> newTabDisposition(WebKitNavigationAction* action, WebKitPolicyDecisionType type)
+// A click that asks for a new tab of its own: middle or Ctrl (background, foreground with Shift), or Shift
+// alone (a new window). The value is whether the tab comes to the front. What a page itself aims at a new
+// window (target=_blank, a named target, window.open, a form) takes the popup road instead, so the new tab
+// gets the engine's own view for the request: a POST keeps its body, and the page keeps its opener.
+std::optional<bool> newTabDisposition(WebKitNavigationAction* action)
 {
     bool linkClicked = webkit_navigation_action_get_navigation_type(action) == WEBKIT_NAVIGATION_TYPE_LINK_CLICKED;
     guint modifiers = webkit_navigation_action_get_modifiers(action);
@@ -176,7 +178,7 @@ std::optional<bool> newTabDisposition(WebKitNavigationAction* action, WebKitPoli
     if (linkClicked && (middle || control)) {
         return shift;
     }
-    if ((linkClicked && shift) || type == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION) {
+    if (linkClicked && shift) {
         return true;
     }
     return std::nullopt;
@@ -188,7 +190,7 @@ gboolean decideNavigation(
     WebKitNavigationAction* action
         = webkit_navigation_policy_decision_get_navigation_action(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
     std::string url = webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
-    if (auto foreground = newTabDisposition(action, type)) {
+    if (auto foreground = newTabDisposition(action)) {
         if (!VLDInternalAddress::pageMayOpen(view->committedURL(), url)) {
             webkit_policy_decision_ignore(decision);
             return TRUE;

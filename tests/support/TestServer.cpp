@@ -147,7 +147,15 @@ void TestServer::handle(SoupServer*, void* messagePointer, const char* path, voi
     auto* self = static_cast<TestServer*>(selfPointer);
     auto* message = static_cast<SoupServerMessage*>(messagePointer);
     TestRequest request;
+    request.method = soup_server_message_get_method(message);
     request.path = path;
+    if (SoupMessageBody* body = soup_server_message_get_request_body(message); body && body->length > 0) {
+        GBytes* bytes = soup_message_body_flatten(body);
+        gsize size = 0;
+        auto* data = static_cast<const char*>(g_bytes_get_data(bytes, &size));
+        request.body.assign(data, size);
+        g_bytes_unref(bytes);
+    }
     SoupMessageHeadersIter iter;
     soup_message_headers_iter_init(&iter, soup_server_message_get_request_headers(message));
     const char* name = nullptr;

@@ -11,8 +11,10 @@ typedef struct _SoupServer SoupServer;
 namespace velder::test {
 
 struct TestRequest {
+    std::string method;
     std::string path;
     std::map<std::string, std::string> headers; // names in lower case
+    std::string body;
 
     std::string header(const std::string& lowerCaseName) const;
 };
