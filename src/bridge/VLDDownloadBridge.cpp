@@ -11,6 +11,7 @@
 #include "glib/GObjectPtr.h"
 
 #include <atomic>
+#include <glib/gstdio.h>
 #include <map>
 #include <webkit/webkit.h>
 
@@ -25,8 +26,13 @@ constexpr const char* stateKey = "velder-download-state";
 struct DownloadState {
     std::uint32_t identifier = 0;
     std::string suggestedName;
+    std::string reservedPath; // the empty file that holds a default name, until the engine writes to it
     bool failed = false;
     bool finished = false;
+    // The view that asked and its owner, held until the end: a download outlives the tab it started in,
+    // and its owner still hears how it ends.
+    std::shared_ptr<VLDBrowserViewImpl> view;
+    std::shared_ptr<VLDBrowserDelegate> owner;
 };
 
 DownloadState* stateOf(WebKitDownload* download)
@@ -58,16 +64,27 @@ void answerDownload(WebKitDownload* download, const std::optional<std::string>& 
         webkit_download_cancel(download);
         return;
     }
+    DownloadState* state = stateOf(download);
     std::string destination;
     if (path && !path->empty()) {
         destination = *path;
     } else {
-        DownloadState* state = stateOf(download);
         std::string name = VLDDownloadItem::sanitisedFilename(state ? state->suggestedName : std::string());
-        std::string folder = VLDDownloadPath::downloadDirectory();
-        g_mkdir_with_parents(folder.c_str(), 0700);
-        destination = VLDDownloadPath::defaultPath(name);
+        auto reserved = VLDDownloadPath::reserveDefaultPath(name);
+        if (!reserved) {
+            log("Velder: no free name for the download \"" + name + "\" in " + VLDDownloadPath::downloadDirectory()
+                + "; the download is cancelled.");
+            webkit_download_cancel(download);
+            return;
+        }
+        destination = *reserved;
+        if (state) {
+            state->reservedPath = destination;
+        }
     }
+    // A destination is either the user's choice, whose save dialog has asked about replacing a file, or a
+    // name reserved for this download by an empty file of ours: the engine may write over both.
+    webkit_download_set_allow_overwrite(download, TRUE);
     webkit_download_set_destination(download, destination.c_str());
 }
 
@@ -183,7 +200,7 @@ std::shared_ptr<VLDBrowserViewImpl> viewOf(WebKitDownload* download)
 void reportUpdate(WebKitDownload* download)
 {
     DownloadState* state = stateOf(download);
-    auto view = viewOf(download);
+    auto view = state && state->view ? state->view : viewOf(download);
     if (!state || !view) {
         return;
     }
@@ -200,7 +217,7 @@ void reportUpdate(WebKitDownload* download)
             table.erase(found);
         }
     }
-    if (auto delegate = view->delegate()) {
+    if (auto delegate = state->owner ? state->owner : view->delegate()) {
         delegate->didUpdateDownload(*view, item);
     }
 }
@@ -216,6 +233,8 @@ gboolean onDecideDestination(WebKitDownload* download, const char* suggestedName
     auto view = viewOf(download);
     auto delegate = view ? view->delegate() : nullptr;
     if (view && delegate) {
+        state->view = view;
+        state->owner = delegate;
         callbackTable()[state->identifier].pending = callback;
         VLDDownloadItem item = snapshot(download);
         if (!delegate->decideDestinationForDownload(*view, item, callback) && !callback->isAnswered()) {
@@ -245,6 +264,13 @@ void onFailed(WebKitDownload* download, GError*, gpointer)
         return;
     }
     state->failed = true;
+    // A name reserved for nothing is given back, unless something has been written to it after all.
+    if (!state->reservedPath.empty()) {
+        GStatBuf info;
+        if (g_stat(state->reservedPath.c_str(), &info) == 0 && info.st_size == 0) {
+            g_unlink(state->reservedPath.c_str());
+        }
+    }
     // A cancel the owner asked for ends here, unreported; any other failure is reported once, at the end.
     auto& table = callbackTable();
     if (auto found = table.find(state->identifier); found != table.end()) {
@@ -263,6 +289,8 @@ void onFinished(WebKitDownload* download, gpointer)
     }
     state->finished = true;
     reportUpdate(download);
+    state->view.reset();
+    state->owner.reset();
     callbackTable().erase(state->identifier);
     g_signal_handlers_disconnect_matched(
         download, G_SIGNAL_MATCH_DATA, 0, 0, nullptr, nullptr, const_cast<char*>(stateKey));

@@ -1,6 +1,8 @@
+#include "core/DownloadName.h"
 #include "bridge/VLDDownloadItem.h"
-#include "bridge/VLDDownloadPath.h"
+#include "support/TestSupport.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <set>
 
@@ -49,26 +51,46 @@ TEST(DownloadNameTest, SanitisedFilenames)
     }
 }
 
-TEST(DownloadNameTest, DefaultPathsAreMadeUnique)
+// One numbering rule: before the last extension, up to 999; the reservation numbers on past any file,
+// and a folder that can't be written gives no name at all.
+TEST(DownloadNameTest, NamesNumberOnAndRunOut)
 {
     struct Row {
         const char* name;
         std::string file;
         std::set<std::string> existing;
-        std::string expected;
+        std::optional<std::string> expected;
     };
+    std::set<std::string> all;
+    for (int n = 1; n <= 999; ++n) {
+        all.insert("/d/" + DownloadName::numbered("a.txt", n));
+    }
+    std::set<std::string> allButLast = all;
+    allButLast.erase("/d/a (999).txt");
     const Row rows[] = {
+        { "free", "a.txt", {}, "/d/a.txt" },
         { "taken twice", "a.txt", { "/d/a.txt", "/d/a (2).txt" }, "/d/a (3).txt" },
         { "no extension", "notes", { "/d/notes" }, "/d/notes (2)" },
+        { "a leading dot is no extension", ".bashrc", { "/d/.bashrc" }, "/d/.bashrc (2)" },
         { "the last dot makes the extension", "a.tar.gz", { "/d/a.tar.gz" }, "/d/a.tar (2).gz" },
+        { "the last number", "a.txt", allButLast, "/d/a (999).txt" },
+        { "none left", "a.txt", all, std::nullopt },
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        auto exists = [&](const std::string& path) { return row.existing.count(path) > 0; };
-        EXPECT_EQ(VLDDownloadPath::uniquePath("/d", row.file, exists), row.expected);
+        auto free = [&](const std::string& path) { return row.existing.count(path) == 0; };
+        EXPECT_EQ(DownloadName::first("/d", row.file, free), row.expected);
     }
-    auto allTaken = [](const std::string&) { return true; };
-    EXPECT_EQ(VLDDownloadPath::uniquePath("/d", "a.txt", allTaken), "/d/a (999).txt");
+
+    TempDir folder;
+    auto first = DownloadName::reserve(folder.path(), "r.pdf");
+    auto second = DownloadName::reserve(folder.path(), "r.pdf");
+    ASSERT_TRUE(first && second);
+    EXPECT_EQ(*first, folder.path() + "/r.pdf");
+    EXPECT_EQ(*second, folder.path() + "/r (2).pdf");
+    EXPECT_EQ(std::filesystem::file_size(*second), 0u);
+    // A "folder" that is a file can hold no name.
+    EXPECT_EQ(DownloadName::reserve(*first, "r.pdf"), std::nullopt);
 }
 
 } // namespace velder::test

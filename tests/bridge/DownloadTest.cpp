@@ -43,10 +43,12 @@ protected:
     std::shared_ptr<VLDBrowserView> m_view;
 };
 
-// The owner is asked where a download goes, may answer later, and hears its progress to the end.
+// The owner is asked where a download goes, may answer later, and hears its progress to the end. The place
+// it names is the user's choice: a file already there is replaced.
 TEST_F(DownloadTest, TheOwnerChoosesTheDestination)
 {
     std::string path = m_profile->root().file("chosen.bin");
+    writeBytes(path, { 'o', 'l', 'd' });
     m_view->loadURL(m_server->url("/file.bin"));
     ASSERT_TRUE(runMainLoopUntil([&] { return m_delegate->downloadCallbacks.size() == 1; }));
     const VLDDownloadItem& question = m_delegate->downloadQuestions[0];
@@ -57,7 +59,7 @@ TEST_F(DownloadTest, TheOwnerChoosesTheDestination)
 
     // Unanswered, the download waits.
     runMainLoopFor(300ms);
-    EXPECT_FALSE(fileExists(path));
+    EXPECT_EQ(readBytes(path).size(), 3u);
     EXPECT_FALSE(finished());
 
     m_delegate->downloadCallbacks[0]->continueWithPath(path);
@@ -126,6 +128,59 @@ TEST_F(DownloadTest, TheDefaultPathIsUnique)
                                "to the default path. This is a bug: see VLDDownloadCallback."),
             row.logged);
     }
+}
+
+// Two downloads of one name started together: the first name is held for the first at once, so the second
+// numbers on instead of failing.
+TEST_F(DownloadTest, SameNameDownloadsStartedTogetherBothLand)
+{
+    std::vector<std::shared_ptr<VLDDownloadCallback>> held;
+    m_delegate->decideDownload = [&](const VLDDownloadItem&, std::shared_ptr<VLDDownloadCallback> callback) {
+        held.push_back(callback);
+        return true;
+    };
+    m_view->startDownload(m_server->url("/file.bin"));
+    m_view->startDownload(m_server->url("/file.bin"));
+    ASSERT_TRUE(runMainLoopUntil([&] { return held.size() == 2; }));
+    held[0]->continueWithPath(std::nullopt);
+    held[1]->continueWithPath(std::nullopt);
+    auto ended = [&](bool complete) {
+        return std::ranges::count_if(m_delegate->downloadUpdates,
+            [&](const VLDDownloadItem& item) { return !item.isInProgress && item.isComplete == complete; });
+    };
+    ASSERT_TRUE(runMainLoopUntil([&] { return ended(true) + ended(false) == 2; }));
+    EXPECT_EQ(ended(true), 2);
+    EXPECT_EQ(readBytes(downloads() + "/report_1.bin").size(), 1000u);
+    EXPECT_EQ(readBytes(downloads() + "/report_1 (2).bin").size(), 1000u);
+}
+
+// A download goes on when its tab closes, and the owner that asked for it hears how it ends.
+TEST_F(DownloadTest, ADownloadOutlivesItsTab)
+{
+    struct Owner : RecordingDelegate {
+        std::vector<VLDDownloadItem>* heard = nullptr;
+        void didUpdateDownload(VLDBrowserView&, const VLDDownloadItem& item) override { heard->push_back(item); }
+    };
+    std::vector<VLDDownloadItem> heard;
+    auto owner = std::make_shared<Owner>();
+    owner->heard = &heard;
+    std::shared_ptr<VLDDownloadCallback> held;
+    owner->decideDownload = [&](const VLDDownloadItem&, std::shared_ptr<VLDDownloadCallback> callback) {
+        held = callback;
+        return true;
+    };
+    auto view = openLoaded(m_server->url("/start"), owner);
+    view->startDownload(m_server->url("/file.bin"));
+    ASSERT_TRUE(runMainLoopUntil([&] { return held != nullptr; }));
+    view->requestClose();
+    ASSERT_TRUE(runMainLoopUntil([&] { return owner->hasEvent("destroy"); }));
+    owner.reset(); // the tab is gone
+
+    held->continueWithPath(std::nullopt);
+    held.reset();
+    ASSERT_TRUE(runMainLoopUntil([&] { return !heard.empty() && !heard.back().isInProgress; }));
+    EXPECT_TRUE(heard.back().isComplete);
+    EXPECT_EQ(readBytes(downloads() + "/report_1.bin").size(), 1000u);
 }
 
 } // namespace velder::test

@@ -1,7 +1,9 @@
 #include "shell/desktop/Downloads.h"
 
 #include "bridge/VLDDownloadCallback.h"
+#include "bridge/VLDDownloadPath.h"
 #include "core/AppInfo.h"
+#include "core/RateLimit.h"
 #include "core/Vault.h"
 #include "glib/GCharPtr.h"
 #include "glib/GObjectPtr.h"
@@ -27,6 +29,13 @@ std::map<std::uint32_t, Progress>& inFlight()
 {
     static std::map<std::uint32_t, Progress> downloads;
     return downloads;
+}
+
+// Each download moves the launcher's bar at most ten times a second.
+RateLimit& launcherRate()
+{
+    static RateLimit rate(std::chrono::milliseconds(100));
+    return rate;
 }
 
 // The launcher entry protocol that docks and panels read: one progress for all running downloads.
@@ -68,6 +77,7 @@ void finish(std::uint32_t identifier, bool completed)
     }
     std::string path = found->second.path;
     inFlight().erase(found);
+    launcherRate().forget(identifier);
     publishLauncherProgress();
     if (!completed) {
         return;
@@ -83,60 +93,24 @@ void finish(std::uint32_t identifier, bool completed)
     }
 }
 
-// "archive.tar.gz" is "archive.tar" and "gz"; ".bashrc" and "name." have no extension.
-std::pair<std::string, std::string> splitExtension(const std::string& name)
-{
-    auto dot = name.rfind('.');
-    if (dot == std::string::npos || dot == 0 || dot + 1 == name.size()) {
-        return { name, "" };
-    }
-    return { name.substr(0, dot), name.substr(dot + 1) };
-}
-
 } // namespace
-
-std::string Downloads::downloadsDirectory()
-{
-    if (const char* dir = g_get_user_special_dir(G_USER_DIRECTORY_DOWNLOAD)) {
-        return dir;
-    }
-    const char* home = std::getenv("HOME");
-    return std::string(home && *home ? home : g_get_home_dir()) + "/Downloads";
-}
-
-std::optional<std::string> Downloads::uniquePath(const std::string& folder, const std::string& name)
-{
-    std::error_code ignored;
-    fs::create_directories(folder, ignored);
-    fs::path candidate = fs::path(folder) / name;
-    if (!fs::exists(candidate, ignored)) {
-        return candidate.string();
-    }
-    auto [stem, extension] = splitExtension(name);
-    for (int n = 2; n <= 999; ++n) {
-        std::string numbered = stem + " (" + std::to_string(n) + ")" + (extension.empty() ? "" : "." + extension);
-        fs::path path = fs::path(folder) / numbered;
-        if (!fs::exists(path, ignored)) {
-            return path.string();
-        }
-    }
-    return std::nullopt;
-}
 
 void Downloads::decideDestination(
     const VLDDownloadItem& item, GtkWindow* window, std::shared_ptr<VLDDownloadCallback> callback)
 {
-    std::string name = item.suggestedFilename.empty() ? "download" : item.suggestedFilename;
-    std::optional<std::string> destination = uniquePath(downloadsDirectory(), name);
     if (!Vault::shared().snapshot()->settings.askWhereToSaveDownloads) {
-        callback->continueWithPath(destination);
+        // The bridge reserves the numbered name in the download folder, or cancels when none is left.
+        callback->continueWithPath(std::nullopt);
         return;
     }
+    std::string name = item.suggestedFilename.empty() ? "download" : item.suggestedFilename;
     GtkFileChooserNative* chooser
         = gtk_file_chooser_native_new("Save File", window, GTK_FILE_CHOOSER_ACTION_SAVE, "_Save", "_Cancel");
     gtk_file_chooser_set_current_name(GTK_FILE_CHOOSER(chooser), name.c_str());
-    if (destination) {
-        auto folder = GObjectPtr<GFile>::adopt(g_file_new_for_path(fs::path(*destination).parent_path().c_str()));
+    std::string directory = VLDDownloadPath::downloadDirectory();
+    std::error_code ignored;
+    if (fs::create_directories(directory, ignored), fs::is_directory(directory, ignored)) {
+        auto folder = GObjectPtr<GFile>::adopt(g_file_new_for_path(directory.c_str()));
         gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(chooser), folder.get(), nullptr);
     }
     gtk_file_chooser_set_create_folders(GTK_FILE_CHOOSER(chooser), TRUE);
@@ -176,7 +150,9 @@ void Downloads::update(const VLDDownloadItem& item)
         progress.path = item.fullPath;
         progress.total = item.totalBytes >= 1 ? item.totalBytes : -1;
         progress.received = item.receivedBytes;
-        publishLauncherProgress();
+        if (launcherRate().admit(item.identifier, std::chrono::steady_clock::now())) {
+            publishLauncherProgress();
+        }
         return;
     }
     if (item.isComplete || item.isCanceled) {

@@ -3,7 +3,6 @@
 #include "bridge/VLDDownloadItem.h"
 
 #include <memory>
-#include <optional>
 #include <string>
 
 typedef struct _GtkWindow GtkWindow;
@@ -17,18 +16,14 @@ class VLDDownloadCallback;
 // does the transfer. Main thread only.
 class Downloads {
 public:
-    // Answers the engine's question with exactly one continueWithPath or cancel: the Downloads folder
-    // ("report.pdf", then "report (2).pdf" ...), or a save dialog when the settings ask for one.
+    // Answers the engine's question with exactly one continueWithPath or cancel: the download folder under
+    // a reserved numbered name ("report.pdf", then "report (2).pdf" ...), or a save dialog when the settings
+    // ask for one.
     static void decideDestination(
         const VLDDownloadItem& item, GtkWindow* window, std::shared_ptr<VLDDownloadCallback> callback);
     // At each progress report.
     static void update(const VLDDownloadItem& item);
 
-    // The XDG download folder, else ~/Downloads.
-    static std::string downloadsDirectory();
-    // The first free name for `name` in `folder`: the name itself, then "stem (n).ext" for n from 2 to 999
-    // (the number goes before the last extension only); nothing when all are taken.
-    static std::optional<std::string> uniquePath(const std::string& folder, const std::string& name);
     static int inFlightCount();
 };
 
