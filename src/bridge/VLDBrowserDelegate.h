@@ -4,6 +4,7 @@
 #include "bridge/VLDDownloadItem.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -60,7 +61,10 @@ public:
     virtual void didCreatePopup(VLDBrowserView& /*opener*/, VLDBrowserView& /*popup*/) { }
     // The page agreed to close (its unload handlers ran): the host view will be torn down next.
     virtual void shouldTearDownForClose(VLDBrowserView&) { }
-    // The page asked to stay when it was asked to close: it keeps its browser.
+    // The page asks to stay while it is being closed: the owner asks the user and calls `answer` once, true
+    // to leave (the close goes on) or false to stay. Unanswered, the page stays.
+    virtual void shouldLeavePage(VLDBrowserView&, std::function<void(bool leave)> answer) { answer(false); }
+    // The page stays after it was asked to close: it keeps its browser.
     virtual void didKeepPageOnClose(VLDBrowserView&) { }
     // The last word on a browser: after it, hasBrowser() is false and commands do nothing.
     virtual void willDestroyBrowser(VLDBrowserView&) { }

@@ -2,6 +2,7 @@
 
 #include "bridge/VLDBrowserViewImpl.h"
 #include "bridge/VLDInternalAddress.h"
+#include "bridge/VLDMainThread.h"
 #include "bridge/VLDNetworkErrors.h"
 #include "bridge/VLDPageScripts.h"
 #include "bridge/VLDPermissionBridge.h"
@@ -300,21 +301,63 @@ void onClose(WebKitWebView*, gpointer data)
     }
 }
 
+// The engine's question whether a page being closed may leave, held until the owner answers; one dropped
+// unanswered answers "stay".
+class LeaveQuestion {
+public:
+    LeaveQuestion(WebKitScriptDialog* dialog, std::uint64_t view)
+        : m_dialog(webkit_script_dialog_ref(dialog))
+        , m_view(view)
+    {
+    }
+    LeaveQuestion(const LeaveQuestion&) = delete;
+    LeaveQuestion& operator=(const LeaveQuestion&) = delete;
+    ~LeaveQuestion() { answer(false); }
+
+    void answer(bool leave)
+    {
+        if (!m_dialog) {
+            return;
+        }
+        webkit_script_dialog_confirm_set_confirmed(m_dialog, leave);
+        // Closing gives the answer to the engine and lets go of the reference taken for it.
+        webkit_script_dialog_close(std::exchange(m_dialog, nullptr));
+        auto view = VLDClient::viewForIdentifier(m_view);
+        if (view && leave) {
+            // The engine closes a page let go after asking, but not every time (not after two refusals, for
+            // one): the user's answer is the close.
+            view->engineRequestedClose();
+        }
+        auto delegate = view ? view->delegate() : nullptr;
+        if (!leave && delegate) {
+            delegate->didKeepPageOnClose(*view);
+        }
+    }
+
+private:
+    WebKitScriptDialog* m_dialog;
+    std::uint64_t m_view;
+};
+
 gboolean onScriptDialog(WebKitWebView*, WebKitScriptDialog* dialog, gpointer data)
 {
     if (webkit_script_dialog_get_dialog_type(dialog) != WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM) {
         return FALSE;
     }
     auto view = viewFor(data);
-    if (view && view->answerBeforeUnload()) {
-        // The page asked to stay while its tab was being closed: it stays.
-        webkit_script_dialog_confirm_set_confirmed(dialog, FALSE);
-        if (auto delegate = view->delegate()) {
-            delegate->didKeepPageOnClose(*view);
-        }
-        return TRUE;
+    if (!view || !view->answerBeforeUnload()) {
+        return FALSE;
     }
-    return FALSE;
+    // Asked, and answered, on a later turn: the engine takes no answer from inside its own signal.
+    auto question = std::make_shared<LeaveQuestion>(dialog, view->identifier());
+    VLDPostToMainThread([question, identifier = view->identifier()] {
+        auto view = VLDClient::viewForIdentifier(identifier);
+        auto delegate = view ? view->delegate() : nullptr;
+        if (delegate) {
+            delegate->shouldLeavePage(*view, [question](bool leave) { question->answer(leave); });
+        }
+    });
+    return TRUE;
 }
 
 gboolean onPermissionRequest(WebKitWebView*, WebKitPermissionRequest* request, gpointer data)

@@ -74,8 +74,9 @@ public:
     std::vector<VLDDownloadItem> downloadQuestions;
     std::vector<VLDDownloadItem> downloadUpdates;
     std::vector<std::shared_ptr<VLDDownloadCallback>> downloadCallbacks;
-    // Life-span events in order: "created", "popup:<url>", "stayed", "tearDown", "destroy".
+    // Life-span events in order: "created", "popup:<url>", "asked", "stayed", "tearDown", "destroy".
     std::vector<std::string> events;
+    bool leavePage = false; // the user's answer when a page being closed asks to stay
 
     // Answers, for the operations that have one.
     std::function<std::shared_ptr<VLDBrowserView>(const std::string& url, bool isUserGesture)> popupHost;
@@ -101,6 +102,11 @@ public:
     void didFailLoad(VLDBrowserView&, std::int32_t code, const std::string& text, const std::string& url) override
     {
         failures.push_back({ code, text, url });
+    }
+    void shouldLeavePage(VLDBrowserView&, std::function<void(bool)> answer) override
+    {
+        events.push_back("asked");
+        answer(leavePage);
     }
     void didKeepPageOnClose(VLDBrowserView&) override { events.push_back("stayed"); }
     void didCreateBrowser(VLDBrowserView&) override { events.push_back("created"); }

@@ -125,11 +125,14 @@ TEST_F(LifeSpanTest, APageThatAsksToStayStaysAndAHungOneIsClosed)
         const char* name;
         const char* onClick;
         const char* onBeforeUnload;
+        bool leave; // the user's answer, when asked
         bool stays;
     };
+    const char* asks = "e => { e.preventDefault(); e.returnValue = 'stay'; }";
     const Row rows[] = {
-        { "asks to stay", "", "e => { e.preventDefault(); e.returnValue = 'stay'; }", true },
-        { "hangs", "setTimeout(() => { for (;;) { } }, 100)", "() => {}", false },
+        { "asks to stay, and the user agrees", "", asks, false, true },
+        { "asks to stay, and the user lets it go", "", asks, true, false },
+        { "hangs", "setTimeout(() => { for (;;) { } }, 100)", "() => {}", true, false },
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -137,6 +140,7 @@ TEST_F(LifeSpanTest, APageThatAsksToStayStaysAndAHungOneIsClosed)
             + "'>press</button><script>addEventListener('beforeunload', " + row.onBeforeUnload + ");</script>";
         m_server->route("/page", TestResponse::html(page("Page", body)));
         auto delegate = std::make_shared<RecordingDelegate>();
+        delegate->leavePage = row.leave;
         auto view = openLoaded(m_server->url("/page"), delegate);
         ASSERT_TRUE(clickElement(*view, "#b"));
         runMainLoopFor(300ms);
@@ -149,11 +153,25 @@ TEST_F(LifeSpanTest, APageThatAsksToStayStaysAndAHungOneIsClosed)
         }
         VLDBrowserView::setCloseTimeLimit(5s);
         ASSERT_TRUE(answered);
-        const std::vector<std::string> stayed { "created", "stayed" }, closed { "created", "tearDown", "destroy" };
-        EXPECT_EQ(delegate->events, row.stays ? stayed : closed);
+        std::vector<std::string> expected { "created" };
+        if (row.onBeforeUnload == asks) {
+            expected.push_back("asked");
+        }
+        for (const char* event : row.stays ? std::vector { "stayed" } : std::vector { "tearDown", "destroy" }) {
+            expected.push_back(event);
+        }
+        EXPECT_EQ(delegate->events, expected);
         EXPECT_EQ(view->hasBrowser(), row.stays);
         if (row.stays) {
             EXPECT_EQ(evaluate(*view, "document.title"), "Page") << "the page goes on";
+            // Each close asks again, and the page goes when the user lets it go (the engine itself would
+            // not close it after two refusals).
+            view->requestClose();
+            ASSERT_TRUE(runMainLoopUntil([&] { return std::ranges::count(delegate->events, "stayed") == 2; }));
+            delegate->leavePage = true;
+            view->requestClose();
+            EXPECT_TRUE(runMainLoopUntil([&] { return delegate->hasEvent("destroy"); }));
+            EXPECT_EQ(std::ranges::count(delegate->events, "asked"), 3);
         }
     }
 }

@@ -76,6 +76,8 @@ public:
     bool tabWantsContextMenu(BrowserTab&, const VLDContextMenuInfo&) override { return true; }
     bool tabOpensInNewTab(BrowserTab&, const std::string&, bool) override { return false; }
     std::shared_ptr<VLDBrowserView> tabWantsPopupHost(BrowserTab&, const std::string&) override { return nullptr; }
+    void tabAsksToStay(BrowserTab&, std::function<void(bool)> answer) override { answer(true); }
+    void tabKeptPage(BrowserTab&) override { }
     void tabWillTearDown(BrowserTab&) override { }
     void tabBrowserDidClose(BrowserTab&) override { }
 

@@ -11,9 +11,11 @@
 #include "shell/chrome/TabSlot.h"
 #include "shell/chrome/TabStrip.h"
 #include "shell/overlays/FindBar.h"
+#include "shell/overlays/LeavePagePrompt.h"
 #include "shell/overlays/LinkStatus.h"
 #include "shell/overlays/UrlSuggestions.h"
 #include "shell/tab/BrowserTab.h"
+#include "shell/window/LeaveQuestions.h"
 #include "shell/window/MainWindow.h"
 #include "shell/window/WindowChrome.h"
 #include "support/RealInput.h"
@@ -160,12 +162,13 @@ TEST_F(BrowserWindowTest, ReturnOnASelectedSuggestionOpensThatRow)
         }
     }
     window->perform(BrowserAction::Kind::focusAddressBar);
-    runMainLoopFor(100ms);
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->addressBar().isEditing(); }));
     for (unsigned key : { GDK_KEY_1, GDK_KEY_2, GDK_KEY_7, GDK_KEY_period, GDK_KEY_0 }) {
         RealInput::pressKey(GTK_WIDGET(window->window()), key);
     }
     // The tab's own first load is a visit too, with the fewest: four rows.
-    ASSERT_TRUE(runMainLoopUntil([&] { return window->suggestions().entries().size() == 4; }, 5s));
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->suggestions().entries().size() == 4; }))
+        << "typed: '" << window->addressBar().text() << "', rows: " << window->suggestions().entries().size();
     EXPECT_EQ(window->suggestions().entries()[0].url, server.url("/alpha"));
     RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_Down);
     RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_Down);
@@ -362,7 +365,9 @@ TEST_F(BrowserWindowTest, EscapeWithTheFindBarOpenClosesTheBarNotTheLoad)
     EXPECT_EQ(window->activeTab()->url, server.url("/slow"));
 }
 
-TEST_F(BrowserWindowTest, ARefusedBeforeUnloadKeepsTheTab)
+// A page that asks to stay is asked about: Stay keeps it (and the window, which may be closed again),
+// Leave closes it, and the closed tabs hold it once.
+TEST_F(BrowserWindowTest, APageThatAsksToStayIsAskedAbout)
 {
     server.route("/plain", TestResponse::html(page("Plain")));
     server.route("/stay",
@@ -372,14 +377,74 @@ TEST_F(BrowserWindowTest, ARefusedBeforeUnloadKeepsTheTab)
     auto window = openWindow({ "/plain", "/stay" });
     window->selectTab(1);
     ASSERT_TRUE(touchPage(*window)); // a page may only hold on to a visitor it has met
-    // The page answers: a close asked of a page that doesn't would go ahead without it.
-    ASSERT_EQ(PageProbe::evaluate(*window->tabs()[1]->view(), "document.title"), "Touched");
+    // The question, once it is on the screen.
+    auto prompt = [&] {
+        LeavePagePrompt* asking = window->leaveQuestions().current();
+        return asking && gtk_widget_get_width(asking->stayButton()) > 0 ? asking : nullptr;
+    };
+
     window->closeTab(1);
-    runMainLoopFor(1500ms);
+    ASSERT_TRUE(runMainLoopUntil([&] { return prompt() != nullptr; }));
+    EXPECT_STREQ(gtk_window_get_title(prompt()->window()), "Leave page?");
+    RealInput::pressKey(GTK_WIDGET(prompt()->window()), GDK_KEY_Escape);
+    ASSERT_TRUE(runMainLoopUntil([&] { return prompt() == nullptr; }));
+    runMainLoopFor(300ms);
     ASSERT_EQ(window->tabs().size(), 2u);
     EXPECT_TRUE(window->tabs()[1]->view()->hasBrowser());
+    EXPECT_TRUE(delegate->closedTabs().empty());
 
-    window->closeTab(0); // a page without the handler closes
-    ASSERT_TRUE(runMainLoopUntil([&] { return window->tabs().size() == 1; }, 10s));
+    // The window's close asks again; Stay leaves the window open and closable.
+    window->performClose();
+    ASSERT_TRUE(runMainLoopUntil([&] { return prompt() != nullptr; }));
+    EXPECT_EQ(window->activeTab(), window->tabs().back()) << "the page asked about is shown";
+    screenshotWindow(prompt()->window(), artifact("leave-page.png"));
+    RealInput::click(prompt()->stayButton(), 10, 10);
+    ASSERT_TRUE(runMainLoopUntil([&] { return prompt() == nullptr && !window->isClosing(); }));
+    ASSERT_EQ(window->tabs().size(), 1u) << "the page without the handler went";
     EXPECT_EQ(window->tabs()[0]->url, server.url("/stay"));
+
+    window->closeTab(0);
+    ASSERT_TRUE(runMainLoopUntil([&] { return prompt() != nullptr; }));
+    RealInput::click(prompt()->leaveButton(), 10, 10);
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->tabs().empty(); }, 10s));
+    EXPECT_EQ(std::ranges::count(delegate->closedTabs(), server.url("/stay")), 0)
+        << "the last tab goes with its window, not to the closed tabs";
+}
+
+// What a page aims at a new window opens a tab with the engine's own view of it: a form's POST keeps its
+// body, a page opened by name knows its opener (target=_blank means noopener), and a named target opened
+// twice is one tab.
+TEST_F(BrowserWindowTest, PagesAimingAtNewWindowsKeepWhatTheySend)
+{
+    std::string body = "<form method=post action=/sent target=_blank>"
+                       "<input type=hidden name=note value='kept safe'>"
+                       "<button id=send style='position:fixed;left:0;top:0;width:300px;height:150px'>Send</button>"
+                       "</form>"
+                       "<a href=/named target=results "
+                       "style='position:fixed;left:0;top:200px;width:300px;height:150px;display:block'>Results</a>";
+    server.route("/form", TestResponse::html(page("Form", body)));
+    server.route("/sent", TestResponse::html(page("Sent")));
+    server.route("/named",
+        TestResponse::html(page("Named", "<script>document.title = window.opener ? 'Opened' : 'Alone';</script>")));
+    auto window = openWindow({ "/form" });
+    GtkWidget* page = window->activeTab()->view()->widget();
+
+    RealInput::click(page, 100, 60);
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->tabs().size() == 2 && server.received("/sent"); }, 10s));
+    const TestRequest& sent = *std::ranges::find(server.requests(), "/sent", &TestRequest::path);
+    EXPECT_EQ(sent.method, "POST");
+    EXPECT_EQ(sent.body, "note=kept+safe");
+    EXPECT_TRUE(runMainLoopUntil([&] { return window->tabs()[1]->url == server.url("/sent"); }));
+
+    for (int time = 0; time < 2; ++time) {
+        window->selectTab(0);
+        runMainLoopFor(200ms);
+        RealInput::click(page, 100, 260);
+        ASSERT_TRUE(runMainLoopUntil([&] { return server.count("/named") == time + 1; }, 10s));
+    }
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->tabs().size() == 3 && !window->tabs()[2]->isLoading; }));
+    runMainLoopFor(300ms);
+    EXPECT_EQ(window->tabs().size(), 3u) << "the named target was reused";
+    EXPECT_EQ(window->tabs()[2]->url, server.url("/named"));
+    EXPECT_EQ(window->tabs()[2]->title, "Opened");
 }

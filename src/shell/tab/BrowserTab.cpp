@@ -223,6 +223,23 @@ void BrowserTab::didUpdateDownload(VLDBrowserView&, const VLDDownloadItem& item)
     Downloads::update(item);
 }
 
+void BrowserTab::shouldLeavePage(VLDBrowserView&, std::function<void(bool leave)> answer)
+{
+    // With no window left to ask in, the close goes on.
+    if (auto host = m_host.lock()) {
+        host->tabAsksToStay(*this, std::move(answer));
+    } else {
+        answer(true);
+    }
+}
+
+void BrowserTab::didKeepPageOnClose(VLDBrowserView&)
+{
+    if (auto host = m_host.lock()) {
+        host->tabKeptPage(*this);
+    }
+}
+
 void BrowserTab::shouldTearDownForClose(VLDBrowserView&)
 {
     if (auto host = m_host.lock()) {

@@ -83,6 +83,8 @@ public:
     void didChangeLoadingState(VLDBrowserView&, bool isLoading, bool canGoBack, bool canGoForward) override;
     void didFailLoad(VLDBrowserView&, std::int32_t code, const std::string& text, const std::string& url) override;
     std::shared_ptr<VLDBrowserView> hostViewForPopup(VLDBrowserView&, const std::string& url, bool gesture) override;
+    void shouldLeavePage(VLDBrowserView&, std::function<void(bool leave)> answer) override;
+    void didKeepPageOnClose(VLDBrowserView&) override;
     void shouldTearDownForClose(VLDBrowserView&) override;
     void willDestroyBrowser(VLDBrowserView&) override;
     void didRefuseCertificate(VLDBrowserView&, const std::string& url, std::int32_t code) override;

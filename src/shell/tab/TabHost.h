@@ -2,6 +2,7 @@
 
 #include "core/BrowserAction.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -31,6 +32,10 @@ public:
     virtual bool tabOpensInNewTab(BrowserTab&, const std::string& url, bool foreground) = 0;
     // A page opens a window: a popup host placed in the window, or null to refuse.
     virtual std::shared_ptr<VLDBrowserView> tabWantsPopupHost(BrowserTab&, const std::string& url) = 0;
+    // The page asks to stay while it is being closed: the window asks the user and calls `answer` once, true
+    // to leave. When it stays after all, the window hears tabKeptPage.
+    virtual void tabAsksToStay(BrowserTab&, std::function<void(bool leave)> answer) = 0;
+    virtual void tabKeptPage(BrowserTab&) = 0;
     // The page agreed to close: its view leaves the window now, the tab when its browser is gone.
     virtual void tabWillTearDown(BrowserTab&) = 0;
     virtual void tabBrowserDidClose(BrowserTab&) = 0;

@@ -21,6 +21,7 @@
 #include "shell/tab/BrowserTab.h"
 #include "shell/window/AddressEditing.h"
 #include "shell/window/AppDelegate.h"
+#include "shell/window/LeaveQuestions.h"
 #include "shell/window/MenuBar.h"
 #include "shell/window/WindowChrome.h"
 #include "shell/window/WindowCommands.h"
@@ -101,6 +102,13 @@ void MainWindow::buildChrome()
 
     std::weak_ptr<MainWindow> weak = weak_from_this();
     m_chrome->connect(weak);
+    m_leaveQuestions = std::make_unique<LeaveQuestions>(m_window.get(), [weak](BrowserTab& tab) {
+        auto self = weak.lock();
+        auto index = self ? self->m_tabs.indexOf(tab.shared_from_this()) : std::nullopt;
+        if (index) {
+            self->selectTab(*index);
+        }
+    });
     m_addressEditing = std::make_unique<AddressEditing>(
         addressBar(), suggestions(),
         [weak] {
@@ -235,15 +243,23 @@ void MainWindow::closeTab(std::size_t index)
     }
     std::shared_ptr<BrowserTab> tab = m_tabs[index];
     tab->refuseParkedLocationRequest();
-    if (!tab->isPrivate()) {
-        if (AppDelegate* delegate = AppDelegate::shared()) {
-            delegate->rememberClosedTab(tab->url);
-        }
-    }
     if (tab->view()->hasBrowser()) {
-        tab->view()->requestClose(); // the tab stays until its browser is gone
+        // The tab stays until its browser is gone, and may stay for good if its page asks to.
+        if (m_closingTabs.insert(tab.get()).second) {
+            tab->view()->requestClose();
+        }
     } else {
+        rememberClosed(*tab);
         dispose(tab);
+    }
+}
+
+void MainWindow::rememberClosed(const BrowserTab& tab)
+{
+    if (!tab.isPrivate()) {
+        if (AppDelegate* delegate = AppDelegate::shared()) {
+            delegate->rememberClosedTab(tab.url);
+        }
     }
 }
 
@@ -283,6 +299,7 @@ void MainWindow::moveTab(std::size_t from, std::size_t to)
 void MainWindow::requestCloseBrowsers()
 {
     m_isClosing = true;
+    m_leaveQuestions->leaveAll(); // a quit is never held up by a page
     for (const auto& tab : m_tabs.tabs()) {
         tab->refuseParkedLocationRequest();
     }
@@ -365,8 +382,22 @@ void MainWindow::tabWillTearDown(BrowserTab& tab)
     }
 }
 
+void MainWindow::tabAsksToStay(BrowserTab& tab, std::function<void(bool leave)> answer)
+{
+    m_leaveQuestions->ask(tab, std::move(answer));
+}
+
+void MainWindow::tabKeptPage(BrowserTab& tab)
+{
+    m_closingTabs.erase(&tab);
+    m_isClosing = false; // the window stays too, and may be closed again
+}
+
 void MainWindow::tabBrowserDidClose(BrowserTab& tab)
 {
+    if (m_closingTabs.erase(&tab)) {
+        rememberClosed(tab);
+    }
     dispose(tab.shared_from_this());
 }
 

@@ -12,6 +12,7 @@
 
 #include <gtk/gtk.h>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,7 @@ class AddressBar;
 class AddressEditing;
 class BrowserTab;
 class FindBar;
+class LeaveQuestions;
 class TabStrip;
 class UrlSuggestions;
 class WindowChrome;
@@ -103,13 +105,17 @@ public:
     bool tabWantsContextMenu(BrowserTab&, const VLDContextMenuInfo&) override;
     bool tabOpensInNewTab(BrowserTab&, const std::string& url, bool foreground) override;
     std::shared_ptr<VLDBrowserView> tabWantsPopupHost(BrowserTab&, const std::string& url) override;
+    void tabAsksToStay(BrowserTab&, std::function<void(bool leave)> answer) override;
+    void tabKeptPage(BrowserTab&) override;
     void tabWillTearDown(BrowserTab&) override;
     void tabBrowserDidClose(BrowserTab&) override;
+    LeaveQuestions& leaveQuestions() const { return *m_leaveQuestions; }
 
 private:
     MainWindow(Rect frame, bool isPrivate, bool hasOwnPlacement);
     void buildChrome();
     void dispose(const std::shared_ptr<BrowserTab>& tab);
+    void rememberClosed(const BrowserTab& tab);
     bool revealExistingSettingsTab();
     bool windowShouldClose();
     void close();
@@ -130,6 +136,9 @@ private:
     std::unique_ptr<WindowCommands> m_commands;
     std::unique_ptr<WindowChrome> m_chrome;
     std::unique_ptr<AddressEditing> m_addressEditing;
+    std::unique_ptr<LeaveQuestions> m_leaveQuestions;
+    // Tabs closed on their own that wait for their page to agree: they join the closed tabs once they go.
+    std::set<BrowserTab*> m_closingTabs;
     Themed::Token m_themeToken;
     NotificationCenter::Token m_settingsToken;
 };

@@ -209,7 +209,10 @@ void WindowChrome::applyTheme()
         + "; } .velder-container { background-color: " + PageShell::hex(Theme::fixedBackground)
         + "; } .velder-link-status { background-color: " + PageShell::hex(Palette::fieldColor()) + "; color: "
         + PageShell::hex(Theme::readable(Palette::textColor(), Palette::fieldColor())) + "; border: 1px solid "
-        + PageShell::hex(Palette::borderColor()) + "; border-radius: 4px; padding: 2px 8px; font-size: 12px; }";
+        + PageShell::hex(Palette::borderColor()) + "; border-radius: 4px; padding: 2px 8px; font-size: 12px; }"
+        + " .velder-prompt { background-color: " + PageShell::hex(Palette::fieldColor())
+        + "; color: " + PageShell::hex(Theme::readable(Palette::textColor(), Palette::fieldColor()))
+        + "; } .velder-prompt-title { font-weight: bold; font-size: 15px; }";
     gtk_css_provider_load_from_data(provider, style.c_str(), -1);
     m_titleBar->redraw();
     m_toolbar->redraw();
