@@ -20,6 +20,7 @@ TEST(AppInfo, LocationsFollowTheXdgEnvironmentOnEachRead)
     ScopedEnv cache("XDG_CACHE_HOME", "/p/cache");
     EXPECT_EQ(AppInfo::historyFile(), "/p/data/Velder/history.bin");
     EXPECT_EQ(AppInfo::engineCacheDirectory(), "/p/cache/Velder/engine-cache");
+    EXPECT_EQ(AppInfo::updaterCacheDirectory(), "/p/cache/Velder/updater");
 }
 
 TEST(AppInfo, PrepareMakesTheDataFolderAndTheEngineLogRotatesAboveTheLimit)

@@ -7,8 +7,9 @@
 #include "core/Theme.h"
 #include "support/ScopedStores.h"
 
+#include "CoreTestSupport.h"
+
 #include <cstdio>
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <map>
 #include <regex>
@@ -16,7 +17,6 @@
 
 using namespace velder;
 using namespace velder::test;
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -74,13 +74,6 @@ std::string queryOf(const std::map<std::string, std::string>& fields)
         }
     }
     return query;
-}
-
-void putInArchive(const std::string& name, std::uintmax_t size)
-{
-    fs::create_directories(AppInfo::archiveDirectory());
-    writeBytes(AppInfo::archiveDirectory() + "/" + name, {});
-    fs::resize_file(AppInfo::archiveDirectory() + "/" + name, size);
 }
 
 } // namespace
@@ -226,7 +219,7 @@ TEST(SettingsPage, TheArchiveDecision)
         ScopedStores stores;
         stores.setSettings([&](AppSettings& s) { s.archiveOldVersions = c.wasOn; });
         if (c.archived) {
-            putInArchive("Velder-1.0.tar.xz", 2 * 1048576);
+            placeFile(AppInfo::archiveDirectory() + "/Velder-1.0.tar.xz", 2 * 1048576);
         }
         EXPECT_EQ(SettingsPage::save(FormValues(std::string("save=1&MaxHistory=9") + c.form)),
             c.asks ? "velder://settings/?confirmarchive=1" : "velder://settings/?saved=1");
@@ -240,7 +233,7 @@ TEST(SettingsPage, TheArchiveQuestionCountsWhatIsOnDisk)
 {
     ScopedStores stores;
     stores.setSettings([](AppSettings& s) { s.archiveOldVersions = true; });
-    putInArchive("Velder-1.0.tar.xz", 3 * 1048576 + 5);
+    placeFile(AppInfo::archiveDirectory() + "/Velder-1.0.tar.xz", 3 * 1048576 + 5);
     std::string page = SettingsPage::render(SettingsPage::Notice::none(), true);
     EXPECT_EQ(submitted(page).count("ArchiveOldVersions"), 0u) << "the box shows as the user left it";
     EXPECT_NE(page.find("1 archived payload is still on disk, taking 3 MB."), std::string::npos);
@@ -252,18 +245,13 @@ TEST(SettingsPage, TheArchiveQuestionCountsWhatIsOnDisk)
 TEST(SettingsPage, TickingArchivingCapturesTheStagedInstallerOnce)
 {
     ScopedStores stores;
-    auto stage = [](const std::string& name, std::uintmax_t size) {
-        std::string dir = AppInfo::updaterCacheDirectory() + "/PersistentDownloads";
-        fs::create_directories(dir);
-        writeBytes(dir + "/" + name, {});
-        fs::resize_file(dir + "/" + name, size);
-    };
-    stage("Velder-2.0.tar.xz", 1048577);
+    const std::string staged = AppInfo::updaterCacheDirectory() + "/PersistentDownloads/";
+    placeFile(staged + "Velder-2.0.tar.xz", 1048577);
     LogCapture log;
     SettingsPage::save(FormValues("save=1&ArchiveOldVersions=1"));
     EXPECT_TRUE(fileExists(AppInfo::archiveDirectory() + "/Velder-2.0.tar.xz"));
     EXPECT_EQ(log.lines(), std::vector<std::string> { "Velder: archived Velder-2.0.tar.xz" });
-    stage("Velder-2.1.tar.xz", 1048578);
+    placeFile(staged + "Velder-2.1.tar.xz", 1048578);
     SettingsPage::save(FormValues("save=1&ArchiveOldVersions=1"));
     EXPECT_EQ(log.lines().size(), 1u) << "already on: nothing is captured";
 }
