@@ -147,11 +147,11 @@ TEST(SettingsPage, MaxHistoryTakesADecimalNumberOrNothing)
 {
     struct Case {
         const char* given;
-        std::int64_t stored; // 5000 is the value before
+        std::int64_t stored; // 5000 is the value before; the vault holds it to 0...100000
     };
-    for (const Case& c : std::vector<Case> { { "+250+", 250 }, { "%09+12%09", 12 }, { "%2B7", 7 }, { "999999", 100000 },
-             { "-5", 0 }, { "abc", 5000 }, { "", 5000 }, { "+", 5000 }, { "1+2", 5000 }, { "%0A5", 5000 },
-             { "%2B-5", 5000 }, { "0x10", 5000 }, { "99999999999999999999", 5000 } }) {
+    for (const Case& c : std::vector<Case> { { "+250+", 250 }, { "%09+12%09", 12 }, { "%2B7", 7 }, { "100000", 100000 },
+             { "999999", 100000 }, { "-5", 0 }, { "abc", 5000 }, { "", 5000 }, { "+", 5000 }, { "1+2", 5000 },
+             { "%0A5", 5000 }, { "%2B-5", 5000 }, { "0x10", 5000 }, { "99999999999999999999", 5000 } }) {
         SCOPED_TRACE(c.given);
         ScopedStores stores;
         EXPECT_EQ(

@@ -29,18 +29,6 @@ struct SettingsObserver {
 
 } // namespace
 
-TEST(Vault, UpdateClampsMaxHistory)
-{
-    TempDir dir;
-    Vault vault(dir.file("vault.bin"), testDataKey());
-    for (auto [given, stored] : std::vector<std::pair<std::int64_t, std::int64_t>> {
-             { 100001, 100000 }, { -1, 0 }, { 250, 250 }, { 100000, 100000 }, { 0, 0 } }) {
-        SCOPED_TRACE(given);
-        vault.update([&](VaultData& data) { data.settings.maxHistory = given; });
-        EXPECT_EQ(vault.snapshot()->settings.maxHistory, stored);
-    }
-}
-
 TEST(Vault, NotificationsFollowSettingsChangesOnly)
 {
     TempDir dir;
