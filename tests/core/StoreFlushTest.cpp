@@ -6,6 +6,8 @@
 #include "core/Vault.h"
 #include "support/ScopedStores.h"
 
+#include "CoreTestSupport.h"
+
 #include <filesystem>
 #include <gtest/gtest.h>
 
@@ -22,43 +24,32 @@ struct Subject {
     std::function<int()> written; // the last change the file holds; 0 without a file
 };
 
-template<class Record> std::optional<Record> readFile(const std::string& path)
+template<class Record> std::function<int()> written(const std::string& path, int (*count)(const Record&))
 {
-    if (!fileExists(path)) {
-        return std::nullopt;
-    }
-    return SecureJsonFile<Record>(path, testDataKey()).load(Record());
+    return [path, count] {
+        return fileExists(path) ? count(SecureJsonFile<Record>(path, testDataKey()).load(Record())) : 0;
+    };
 }
 
 Subject vault(const std::string& path, Clock& clock)
 {
     auto vault = std::make_shared<Vault>(path, testDataKey(), clock);
     return { vault, [vault](int n) { vault->update([n](VaultData& data) { data.currentZoomLevel = n; }); },
-        [path] {
-            auto data = readFile<VaultData>(path);
-            return data ? static_cast<int>(data->currentZoomLevel) : 0;
-        } };
+        written<VaultData>(path, [](const VaultData& data) { return static_cast<int>(data.currentZoomLevel); }) };
 }
 
 Subject history(const std::string& path, Clock& clock)
 {
     auto history = std::make_shared<HistoryStore>(path, testDataKey(), clock);
     return { history, [history](int n) { history->record(numbered("https://", n) + ".example/", "", velder::now()); },
-        [path] {
-            auto data = readFile<HistoryData>(path);
-            return data ? static_cast<int>(data->entries.size()) : 0;
-        } };
+        written<HistoryData>(path, [](const HistoryData& data) { return static_cast<int>(data.entries.size()); }) };
 }
 
 Subject favicons(const std::string& path, Clock& clock)
 {
     auto favicons = std::make_shared<FaviconStore>(path, testDataKey(), velder::now, clock);
-    const std::vector<std::uint8_t> png { 0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A };
-    return { favicons, [favicons, png](int n) { favicons->store(png, numbered("s", n) + ".example"); },
-        [path] {
-            auto data = readFile<FaviconData>(path);
-            return data ? static_cast<int>(data->icons.size()) : 0;
-        } };
+    return { favicons, [favicons](int n) { favicons->store(pngSignature, numbered("s", n) + ".example"); },
+        written<FaviconData>(path, [](const FaviconData& data) { return static_cast<int>(data.icons.size()); }) };
 }
 
 } // namespace
