@@ -5,6 +5,8 @@
 #include "support/FakePageHost.h"
 #include "support/ScopedStores.h"
 
+#include "CoreTestSupport.h"
+
 #include <gtest/gtest.h>
 
 using namespace velder;
@@ -23,9 +25,6 @@ TEST(AboutPage, KeyTexts)
              { "w", command | shift, "Ctrl+Shift+W" },
              { "+", command, "Ctrl++" },
              { "Right", command | option, "Ctrl+Alt+\xE2\x86\x92" },
-             { "Left", option, "Alt+\xE2\x86\x90" },
-             { "Escape", 0, "Esc" },
-             { "Page_Down", command, "Ctrl+Page Down" },
              { "F3", shift, "Shift+F3" },
              { ",", command, "Ctrl+," },
          }) {
@@ -63,13 +62,11 @@ TEST(AboutPage, RenderShowsVersionsAndFoldersEscaped)
 {
     ScopedStores stores;
     ScopedPageHost host;
-    std::string page = AboutPage::render();
-    EXPECT_NE(page.find("<h1>About Velder</h1>"), std::string::npos);
-    EXPECT_NE(page.find("<dt>Velder</dt><dd>" + AppInfo::version() + "</dd>"), std::string::npos);
-    EXPECT_NE(page.find("<dt>WebKitGTK</dt><dd>2.50.6</dd><dt>GTK</dt><dd>4.8.3</dd>"), std::string::npos);
-    EXPECT_NE(page.find("<dt>Archived installers</dt><dd>" + stores.profile().root().path() + "/cache/Velder/archive"),
-        std::string::npos);
-    EXPECT_NE(page.find(AboutPage::keyboardSection()), std::string::npos);
+    expectParts(AboutPage::render(),
+        { "<h1>About Velder</h1>", "<dt>Velder</dt><dd>" + AppInfo::version() + "</dd>",
+            "<dt>WebKitGTK</dt><dd>2.50.6</dd><dt>GTK</dt><dd>4.8.3</dd>",
+            "<dt>Archived installers</dt><dd>" + stores.profile().root().path() + "/cache/Velder/archive",
+            AboutPage::keyboardSection() });
     EXPECT_EQ(AboutPage::rows("<H>", { { "a&b", "<v>" } }),
         "<h2>&lt;H&gt;</h2><dl class=\"kv\"><dt>a&amp;b</dt><dd>&lt;v&gt;</dd></dl>");
 }

@@ -20,7 +20,6 @@ TEST(ErrorPage, KnownCodesInWordsOthersWithTheEnginesText)
     };
     for (const Case& c : std::vector<Case> {
              { -105, "net::ERR_NAME_NOT_RESOLVED", "That address could not be found (DNS lookup failed)." },
-             { -118, "", "The server took too long to respond." },
              { -999, "  Odd failure\n", "Odd failure (-999)" },
              { 7, "Seven", "Seven (7)" },
              { -999, " \n\t", "Engine error -999." },
