@@ -4,6 +4,7 @@
 
 #include "core/Date.h"
 #include "core/Log.h"
+#include "core/Palette.h"
 #include "support/TestSupport.h"
 
 #include <cstdint>
@@ -68,6 +69,25 @@ inline std::string bodyOf(const std::string& page)
 {
     size_t start = page.find("</header>") + 9;
     return page.substr(start, page.rfind("</div></body>") - start);
+}
+
+// The colour settings: the settings form's field, the stored key, the colour it gives and the swatches it takes.
+struct ColourSetting {
+    const char* field;
+    std::string AppSettings::*key;
+    Color (*colour)(const AppSettings&);
+    const std::vector<Swatch>& list;
+};
+
+inline std::vector<ColourSetting> colourSettings()
+{
+    return {
+        { "TextColor", &AppSettings::textColor, Palette::textColor, Palette::ink() },
+        { "HighlightColor", &AppSettings::highlightColor, Palette::highlightColor, Palette::ink() },
+        { "PassiveColor", &AppSettings::passiveColor, Palette::passiveColor, Palette::ink() },
+        { "FieldColor", &AppSettings::fieldColor, Palette::fieldColor, Palette::surface() },
+        { "BorderColor", &AppSettings::borderColor, Palette::borderColor, Palette::surface() },
+    };
 }
 
 // Local time for the duration of a test: a POSIX zone needs no zone database.

@@ -3,6 +3,8 @@
 #include "core/Theme.h"
 #include "support/ScopedStores.h"
 
+#include "CoreTestSupport.h"
+
 #include <gtest/gtest.h>
 #include <set>
 
@@ -45,20 +47,8 @@ TEST(Palette, SurfacesAreTheInksWithGunmetalAndNoKeyRepeats)
 // Each colour setting shows its swatch, and falls back to its default for a key outside its list.
 TEST(Palette, SettingsShowTheirSwatchOrTheirDefault)
 {
-    struct Setting {
-        const char* name;
-        std::string AppSettings::*key;
-        Color (*colour)(const AppSettings&);
-        const std::vector<Swatch>& list;
-    };
-    for (const Setting& setting : std::vector<Setting> {
-             { "text", &AppSettings::textColor, Palette::textColor, Palette::ink() },
-             { "highlight", &AppSettings::highlightColor, Palette::highlightColor, Palette::ink() },
-             { "passive", &AppSettings::passiveColor, Palette::passiveColor, Palette::ink() },
-             { "field", &AppSettings::fieldColor, Palette::fieldColor, Palette::surface() },
-             { "border", &AppSettings::borderColor, Palette::borderColor, Palette::surface() },
-         }) {
-        SCOPED_TRACE(setting.name);
+    for (const ColourSetting& setting : colourSettings()) {
+        SCOPED_TRACE(setting.field);
         const Color fallback = setting.colour(AppSettings());
         EXPECT_TRUE(Palette::contains(AppSettings().*setting.key, setting.list));
         AppSettings settings;

@@ -88,22 +88,11 @@ TEST(SettingsPage, TheNoticeIsEscapedAndEachColourOffersItsPalette)
 
     // Each colour offers exactly its palette, ink for what is read and surfaces for the frame, with the
     // stored colour ticked (*).
-    struct Field {
-        const char* name;
-        std::string AppSettings::*key;
-        const std::vector<Swatch>& list;
-    };
-    for (const Field& f : std::vector<Field> {
-             { "TextColor", &AppSettings::textColor, Palette::ink() },
-             { "HighlightColor", &AppSettings::highlightColor, Palette::ink() },
-             { "PassiveColor", &AppSettings::passiveColor, Palette::ink() },
-             { "FieldColor", &AppSettings::fieldColor, Palette::surface() },
-             { "BorderColor", &AppSettings::borderColor, Palette::surface() },
-         }) {
-        SCOPED_TRACE(f.name);
+    for (const ColourSetting& f : colourSettings()) {
+        SCOPED_TRACE(f.field);
         std::vector<std::string> offered, expected;
         for (const auto& [type, field, value, ticked] : inputsOf(page)) {
-            if (field == f.name) {
+            if (field == f.field) {
                 offered.push_back(type + " " + value + (ticked ? "*" : ""));
             }
         }
@@ -236,9 +225,9 @@ TEST(SettingsPage, TheArchiveQuestionCountsWhatIsOnDisk)
     placeFile(AppInfo::archiveDirectory() + "/Velder-1.0.tar.xz", 3 * 1048576 + 5);
     std::string page = SettingsPage::render(SettingsPage::Notice::none(), true);
     EXPECT_EQ(submitted(page).count("ArchiveOldVersions"), 0u) << "the box shows as the user left it";
-    EXPECT_NE(page.find("1 archived payload is still on disk, taking 3 MB."), std::string::npos);
-    EXPECT_NE(page.find("name=\"Archive\" value=\"delete\""), std::string::npos);
-    EXPECT_NE(page.find("name=\"Archive\" value=\"keep\""), std::string::npos);
+    expectParts(page,
+        { "1 archived payload is still on disk, taking 3 MB.", "name=\"Archive\" value=\"delete\"",
+            "name=\"Archive\" value=\"keep\"" });
     EXPECT_EQ(SettingsPage::render(SettingsPage::Notice::none(), false).find("name=\"Archive\""), std::string::npos);
 }
 
