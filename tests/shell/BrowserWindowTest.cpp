@@ -448,3 +448,28 @@ TEST_F(BrowserWindowTest, PagesAimingAtNewWindowsKeepWhatTheySend)
     EXPECT_EQ(window->tabs()[2]->url, server.url("/named"));
     EXPECT_EQ(window->tabs()[2]->title, "Opened");
 }
+
+// Ctrl+F selects the search text every time, so that what is typed next replaces it, also after the page
+// has found the old text (its selection must not unselect the field's).
+TEST_F(BrowserWindowTest, CtrlFSelectsTheOldSearchToReplaceIt)
+{
+    server.route("/one", TestResponse::html(page("One", "<p>plum plum</p>")));
+    server.route("/two", TestResponse::html(page("Two", "<p>plum pear</p>")));
+    auto window = openWindow({ "/one", "/two" });
+    GtkWidget* root = GTK_WIDGET(window->window());
+    RealInput::pressKey(root, GDK_KEY_f, { GDK_KEY_Control_L });
+    for (unsigned key : { GDK_KEY_p, GDK_KEY_l, GDK_KEY_u, GDK_KEY_m }) {
+        RealInput::pressKey(root, key);
+    }
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->findBar().countText() == "1/2"; }));
+    RealInput::pressKey(root, GDK_KEY_Tab, { GDK_KEY_Control_L });
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->activeIndex() == 1; }));
+    RealInput::pressKey(root, GDK_KEY_f, { GDK_KEY_Control_L });
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->findBar().countText() == "1/1"; }));
+    runMainLoopFor(300ms); // the page's own selection of the match settles
+    for (unsigned key : { GDK_KEY_p, GDK_KEY_e }) {
+        RealInput::pressKey(root, key);
+    }
+    EXPECT_TRUE(runMainLoopUntil([&] { return window->findBar().text() == "pe"; }))
+        << "the field holds '" << window->findBar().text() << "'";
+}

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 using VelderFindBar = velder::OwnedWidget<velder::FindBar>;
 using VelderFindBarClass = GtkWidgetClass;
@@ -19,6 +20,24 @@ namespace {
 void barMeasure(GtkWidget*, GtkOrientation orientation, int, int* minimum, int* natural, int*, int*)
 {
     *minimum = *natural = orientation == GTK_ORIENTATION_HORIZONTAL ? velder::FindBar::width : velder::FindBar::height;
+}
+
+// Keys that move the caret: the user places it, and the text stays.
+bool isCaretKey(guint keyval)
+{
+    switch (keyval) {
+    case GDK_KEY_Left:
+    case GDK_KEY_Right:
+    case GDK_KEY_Home:
+    case GDK_KEY_End:
+    case GDK_KEY_KP_Left:
+    case GDK_KEY_KP_Right:
+    case GDK_KEY_KP_Home:
+    case GDK_KEY_KP_End:
+        return true;
+    default:
+        return false;
+    }
 }
 
 } // namespace
@@ -122,6 +141,7 @@ void FindBar::open()
     gtk_widget_set_visible(m_widget.get(), TRUE);
     gtk_widget_grab_focus(m_field);
     gtk_editable_select_region(GTK_EDITABLE(m_field), 0, -1);
+    m_replaceOnType = true;
     std::string query = text();
     if (!query.empty()) {
         if (auto changed = onQueryChanged) {
@@ -138,6 +158,9 @@ void FindBar::hide()
 
 void FindBar::setResult(int matchCount, int activeMatch)
 {
+    if (m_replaceOnType && gtk_widget_has_focus(m_field)) {
+        gtk_editable_select_region(GTK_EDITABLE(m_field), 0, -1); // and shows it selected again
+    }
     std::string count;
     if (!text().empty()) {
         count = matchCount == 0 ? "0" : std::to_string(activeMatch) + "/" + std::to_string(matchCount);
@@ -149,6 +172,11 @@ void FindBar::setResult(int matchCount, int activeMatch)
 
 bool FindBar::handleKey(guint keyval, GdkModifierType modifiers)
 {
+    if (std::exchange(m_replaceOnType, false) && !isCaretKey(keyval)) {
+        // The page's own selection of a match takes the selection away from the field on X11; what is typed
+        // first after opening still replaces the old search.
+        gtk_editable_select_region(GTK_EDITABLE(m_field), 0, -1);
+    }
     switch (keyval) {
     case GDK_KEY_Return:
     case GDK_KEY_KP_Enter:

@@ -67,6 +67,7 @@ private:
     ChromeButton m_nextButton;
     ChromeButton m_closeButton;
     Themed::Token m_themeToken;
+    bool m_replaceOnType = false; // from opening to the first key: typing replaces the search
 };
 
 } // namespace velder
