@@ -31,6 +31,7 @@ TEST(KeyCodesTest, KeyValuesBecomeWindowsKeyCodes)
         { "the last letter", GDK_KEY_z, 90 },
         { "keypad 0", GDK_KEY_KP_0, 96 },
         { "keypad 9", GDK_KEY_KP_9, 105 },
+        { "keypad plus", GDK_KEY_KP_Add, 107 },
         { "F24", GDK_KEY_F24, 135 },
         { "Shift+Tab", GDK_KEY_ISO_Left_Tab, 9 },
         { "keypad Enter", GDK_KEY_KP_Enter, 13 },

@@ -99,6 +99,7 @@ TEST(Shortcuts, KeyEventsMatchByTheRulesOfEachPath)
     };
     for (const EngineCase& c : std::vector<EngineCase> {
              { 187, command | shift, Kind::zoomIn },
+             { 109, command, Kind::zoomOut }, // the keypad's minus
              { 27, shift, std::nullopt },
              { 9, control, std::nullopt }, // the control flag alone is no Ctrl
              { 84, command | option, std::nullopt },
