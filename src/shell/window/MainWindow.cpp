@@ -372,6 +372,12 @@ std::shared_ptr<VLDBrowserView> MainWindow::tabWantsPopupHost(BrowserTab&, const
 {
     auto popup = BrowserTab::createPopupHost(m_isPrivate);
     install(popup, true);
+    // The engine's view joins the host once this returns: then the new page can take the keyboard.
+    MainLoop::post(weak_from_this(), [tab = std::weak_ptr(popup)](MainWindow& window) {
+        if (auto shown = tab.lock(); shown && shown == window.activeTab()) {
+            window.focusForActiveTab();
+        }
+    });
     return popup->view();
 }
 
@@ -431,7 +437,9 @@ void MainWindow::focusForActiveTab()
     if (!tab) {
         return;
     }
-    if (!m_focusAddressOnNextActivation && !UrlHelper::isBlank(tab->url)) {
+    // A page opened by a page (a popup, a form aimed at a new window) has no address yet but is a page.
+    bool isPage = !UrlHelper::isBlank(tab->url) || tab->view()->isPopupHost();
+    if (!m_focusAddressOnNextActivation && isPage) {
         tab->view()->setRefusesNavigationFocus(false);
         gtk_window_set_focus(m_window.get(), nullptr);
         tab->view()->setBrowserFocus(true);
