@@ -13,12 +13,6 @@ protected:
         bar = std::make_unique<AddressBar>();
     }
 
-    void TearDown() override
-    {
-        WidgetTest::TearDown();
-        bar.reset();
-    }
-
     // The bar in a window above a button that can take the focus away from it; the bar starts idle.
     void hostWithNeighbour()
     {

@@ -17,12 +17,6 @@ protected:
         bar->onClose = [this] { calls.push_back("close"); };
     }
 
-    void TearDown() override
-    {
-        WidgetTest::TearDown();
-        bar.reset();
-    }
-
     // The bar alone in a window, shown as open() shows it.
     void hostShown()
     {
@@ -45,9 +39,9 @@ protected:
         calls.clear();
     }
 
-    std::unique_ptr<FindBar> bar;
-    GtkWidget* neighbour = nullptr;
     std::vector<std::string> calls;
+    std::unique_ptr<FindBar> bar; // after `calls`: it goes before what its callbacks write to
+    GtkWidget* neighbour = nullptr;
 };
 
 TEST_F(FindBarTest, SetResultWritesTheCountAndEnablesTheButtons)

@@ -57,12 +57,6 @@ protected:
         };
     }
 
-    void TearDown() override
-    {
-        WidgetTest::TearDown();
-        strip.reset();
-    }
-
     void setTitles(const std::vector<std::string>& titles, int active)
     {
         std::vector<TabStrip::Item> items;
@@ -81,10 +75,10 @@ protected:
         return result;
     }
 
-    std::unique_ptr<TabStrip> strip;
     std::vector<int> selected;
     std::vector<int> closed;
     std::vector<std::pair<int, int>> reorders;
+    std::unique_ptr<TabStrip> strip; // last: it goes before what its callbacks write to
 };
 
 TEST_F(TabStripTest, SetTabsReusesSlotsAndClampsTheActiveIndex)
