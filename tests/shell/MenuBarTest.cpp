@@ -47,11 +47,6 @@ std::vector<MenuItem> itemsOf(GMenuModel* model, bool intoSubmenus = false)
     return items;
 }
 
-GMenuModel* submenu(GMenuModel* bar, int index)
-{
-    return g_menu_model_get_item_link(bar, index, G_MENU_LINK_SUBMENU);
-}
-
 class MenuBarTest : public ShellTest { };
 
 } // namespace
@@ -79,7 +74,7 @@ TEST_F(MenuBarTest, TheMenusInTheirOrderWithOneKeyEach)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
-        GMenuModel* menu = submenu(bar, row.menu);
+        GMenuModel* menu = g_menu_model_get_item_link(bar, row.menu, G_MENU_LINK_SUBMENU);
         auto items = itemsOf(menu, true);
         auto found = std::find_if(items.begin(), items.end(), [&](auto& item) { return item.label == row.label; });
         ASSERT_NE(found, items.end());
