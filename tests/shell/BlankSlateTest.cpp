@@ -26,8 +26,6 @@ TEST_F(BlankSlateTest, DrawsAFaintMarkOnItsDarkField)
     // The compiled-in icon, decoded once.
     GdkTexture* mark = BlankSlate::mark();
     ASSERT_NE(mark, nullptr);
-    EXPECT_EQ(gdk_texture_get_width(mark), gdk_texture_get_height(mark));
-    EXPECT_GE(gdk_texture_get_width(mark), 512);
     EXPECT_EQ(BlankSlate::mark(), mark);
 }
 

@@ -93,7 +93,6 @@ TEST_F(TabStripTest, SetTabsReusesSlotsAndClampsTheActiveIndex)
         { { "A", "B", "C" }, 7, 2 },
         { { "A", "B" }, -4, 0 },
         { {}, 2, 0 },
-        { { "Only" }, 0, 0 },
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << row.titles.size() << " tabs, active " << row.active);
@@ -105,8 +104,6 @@ TEST_F(TabStripTest, SetTabsReusesSlotsAndClampsTheActiveIndex)
             TabSlot& slot = strip->slot(i);
             EXPECT_EQ(slot.index(), static_cast<int>(i));
             EXPECT_EQ(slot.isActive(), static_cast<int>(i) == row.expectedActive);
-            EXPECT_STREQ(gtk_widget_get_tooltip_text(slot.widget()), row.titles[i].c_str());
-            EXPECT_EQ(gtk_widget_get_parent(slot.widget()), strip->widget());
         }
     }
 }
@@ -209,7 +206,6 @@ TEST_F(TabStripTest, ButtonsCloseOpenAndAskForTheTabsMenu)
     strip->newTabButton().press();
     strip->newTabButton().release(10, 10);
     EXPECT_EQ(newTabs, 1);
-    EXPECT_STREQ(gtk_widget_get_tooltip_text(strip->newTabButton().widget()), "New Tab");
 
     EXPECT_TRUE(strip->slot(1).openContextMenu(40, 12));
     EXPECT_NE(PopupMenu::openMenu(strip->slot(1).widget()), nullptr);
