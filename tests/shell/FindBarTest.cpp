@@ -110,9 +110,6 @@ TEST_F(FindBarTest, EditsAndButtonsReport)
 
     calls.clear();
     hostShown();
-    bar->nextButton().press();
-    bar->nextButton().release(5, 5);
-    EXPECT_TRUE(calls.empty()) << "without matches, next does nothing";
     bar->setResult(2, 1);
     for (ChromeButton* button : { &bar->previousButton(), &bar->nextButton(), &bar->closeButton() }) {
         button->press();
@@ -124,7 +121,6 @@ TEST_F(FindBarTest, EditsAndButtonsReport)
 TEST_F(FindBarTest, OpenFocusesTheFieldAndSearchesAgain)
 {
     hostWithNeighbour();
-    EXPECT_FALSE(bar->isShowing());
     bar->open();
     EXPECT_TRUE(bar->isShowing());
     EXPECT_TRUE(runMainLoopUntil([&] { return gtk_widget_is_focus(bar->field()); }));

@@ -39,7 +39,6 @@ TEST_F(UpdateSlotTest, FollowsTheUpdatersStates)
             "Checking for updates…" },
         { "no tick for a check the slot didn't see begin", checking, { { idle, true } }, false, false, nullptr },
         { "a clean idle without a check", idle, { { idle, true } }, false, false, nullptr },
-        { "staged after a check", idle, { { checking }, { staged } }, false, false, "Update to v0.2.0" },
         { "a slot made during a check", checking, {}, true, false, "Checking for updates…" },
     };
     for (const SequenceCase& row : cases) {
