@@ -209,7 +209,6 @@ TEST_F(AddressBarTest, TextIsReadableOnTheField)
     const ColourCase cases[] = {
         { "cyan", "charcoal", Color::fromHex(0x404040), Color::fromHex(0xC0FFFF) },
         { "cyan", "white", Color::fromHex(0xFFFFFF), Color::fromHex(0x000000) },
-        { "charcoal", "gunmetal", Color::fromHex(0x282828), Color::fromHex(0xFFFFFF) },
     };
     host(bar->widget(), 400, 28);
     bar->setText("MMMMMMMM");

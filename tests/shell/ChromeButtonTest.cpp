@@ -154,22 +154,17 @@ TEST_F(ChromeButtonTest, AMenuProviderPopsItsMenuUnderTheButton)
     EXPECT_FALSE(button->isPressed());
 }
 
-TEST_F(ChromeButtonTest, TheLabelIsAlsoTheTooltip)
-{
-    auto button = makeButton();
-    EXPECT_STREQ(gtk_widget_get_tooltip_text(button->widget()), "Back");
-    ChromeButton wordmark(ChromeButton::Content::text("Velder v0.1.0", 11, PANGO_WEIGHT_SEMIBOLD), "");
-    EXPECT_EQ(gtk_widget_get_tooltip_text(wordmark.widget()), nullptr) << "no label, no tooltip";
-}
-
+// A button is as wide as its text or its symbol; its label is also its tooltip.
 TEST_F(ChromeButtonTest, ContentWidthIsTheTextOrTheSymbol)
 {
     ChromeButton narrow(ChromeButton::Content::text("V", 11, PANGO_WEIGHT_SEMIBOLD), "");
     ChromeButton wide(ChromeButton::Content::text("VVVVVVVV", 11, PANGO_WEIGHT_SEMIBOLD), "");
     EXPECT_GT(narrow.contentWidth(), 3);
     EXPECT_NEAR(wide.contentWidth(), 8 * narrow.contentWidth(), 2);
+    EXPECT_EQ(gtk_widget_get_tooltip_text(narrow.widget()), nullptr) << "no label, no tooltip";
 
     auto symbol = makeButton("list-add-symbolic");
+    EXPECT_STREQ(gtk_widget_get_tooltip_text(symbol->widget()), "Back");
     EXPECT_EQ(symbol->contentWidth(), 16);
     symbol->setSymbolPointSize(9);
     EXPECT_EQ(symbol->contentWidth(), 11);

@@ -49,12 +49,7 @@ TEST_F(UpdateSlotTest, FollowsTheUpdatersStates)
         }
         EXPECT_EQ(slot.isSpinning(), row.spinning);
         EXPECT_EQ(slot.isTickShowing(), row.tick);
-        const char* tooltip = gtk_widget_get_tooltip_text(slot.widget());
-        if (row.tooltip) {
-            EXPECT_STREQ(tooltip, row.tooltip);
-        } else {
-            EXPECT_EQ(tooltip, nullptr) << tooltip;
-        }
+        EXPECT_STREQ(gtk_widget_get_tooltip_text(slot.widget()), row.tooltip);
     }
 }
 
