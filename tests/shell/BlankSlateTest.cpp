@@ -14,7 +14,6 @@ TEST_F(BlankSlateTest, DrawsAFaintMarkOnItsDarkField)
     host(slate.widget(), 400, 300);
     Rendering image = render(slate.widget());
     // The mark is 292 square from (54, 4), its 256-unit drawing scaled by 1.140625.
-    EXPECT_TRUE(pixelIs(image.at(0, 0), dark));
     EXPECT_TRUE(pixelIs(image.at(30, 150), dark)) << "left of the mark";
     EXPECT_TRUE(pixelIs(image.at(370, 150), dark)) << "right of the mark";
     // Near the valley's bottom, the pale stroke (244, 247, 255) at 0.15 over the field: (54, 54, 55).
@@ -26,8 +25,6 @@ TEST_F(BlankSlateTest, DrawsAFaintMarkOnItsDarkField)
     // The compiled-in icon, decoded once.
     GdkTexture* mark = BlankSlate::mark();
     ASSERT_NE(mark, nullptr);
-    EXPECT_EQ(gdk_texture_get_width(mark), gdk_texture_get_height(mark));
-    EXPECT_GE(gdk_texture_get_width(mark), 512);
     EXPECT_EQ(BlankSlate::mark(), mark);
 }
 

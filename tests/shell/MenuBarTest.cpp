@@ -34,28 +34,17 @@ std::vector<MenuItem> itemsOf(GMenuModel* model, bool intoSubmenus = false)
             g_object_unref(inner);
             continue;
         }
-        MenuItem item;
-        char* text = nullptr;
-        if (g_menu_model_get_item_attribute(model, i, G_MENU_ATTRIBUTE_LABEL, "s", &text)) {
-            item.label = text;
-            g_free(text);
+        MenuItem& item = items.emplace_back();
+        for (auto [attribute, field] : { std::pair { G_MENU_ATTRIBUTE_LABEL, &MenuItem::label },
+                 std::pair { G_MENU_ATTRIBUTE_ACTION, &MenuItem::action }, std::pair { "accel", &MenuItem::accel } }) {
+            char* text = nullptr;
+            if (g_menu_model_get_item_attribute(model, i, attribute, "s", &text)) {
+                item.*field = text;
+                g_free(text);
+            }
         }
-        if (g_menu_model_get_item_attribute(model, i, G_MENU_ATTRIBUTE_ACTION, "s", &text)) {
-            item.action = text;
-            g_free(text);
-        }
-        if (g_menu_model_get_item_attribute(model, i, "accel", "s", &text)) {
-            item.accel = text;
-            g_free(text);
-        }
-        items.push_back(item);
     }
     return items;
-}
-
-GMenuModel* submenu(GMenuModel* bar, int index)
-{
-    return g_menu_model_get_item_link(bar, index, G_MENU_LINK_SUBMENU);
 }
 
 class MenuBarTest : public ShellTest { };
@@ -85,7 +74,7 @@ TEST_F(MenuBarTest, TheMenusInTheirOrderWithOneKeyEach)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
-        GMenuModel* menu = submenu(bar, row.menu);
+        GMenuModel* menu = g_menu_model_get_item_link(bar, row.menu, G_MENU_LINK_SUBMENU);
         auto items = itemsOf(menu, true);
         auto found = std::find_if(items.begin(), items.end(), [&](auto& item) { return item.label == row.label; });
         ASSERT_NE(found, items.end());
@@ -96,24 +85,35 @@ TEST_F(MenuBarTest, TheMenusInTheirOrderWithOneKeyEach)
     g_object_unref(bar);
 }
 
+// Every item of the menu bar and of the popup menus runs an action of the window; only the bar shows keys.
 TEST_F(MenuBarTest, ItemsNameTheWindowsActionsAndFollowItsState)
 {
     auto window = MainWindow::create(WindowFrame::defaultFrame(), false, false);
     WindowRegistry::shared().windows.push_back(window);
     window->install(BrowserTab::create("https://a.example/", false), true);
     GActionGroup* actions = window->actions();
-
-    GMenuModel* bar = MenuBar::mainMenu();
-    for (int menu = 0; menu < g_menu_model_get_n_items(bar); ++menu) {
-        GMenuModel* model = submenu(bar, menu);
-        for (const auto& item : itemsOf(model, true)) {
+    VLDContextMenuInfo onLink;
+    onLink.linkURL = "https://b.example/";
+    onLink.selectionText = "words";
+    std::vector<GObjectPtr<GMenuModel>> menus;
+    menus.push_back(GObjectPtr<GMenuModel>::adopt(MenuBar::mainMenu()));
+    menus.push_back(WindowMenus::wordmarkMenu());
+    menus.push_back(WindowMenus::tabMenu(*window, 0));
+    menus.push_back(WindowMenus::pageMenu(onLink));
+    for (const auto& menu : menus) {
+        for (const auto& item : itemsOf(menu.get(), true)) {
             SCOPED_TRACE(item.label);
+            if (menu.get() != menus[0].get()) {
+                EXPECT_TRUE(item.accel.empty()) << "only the menu bar shows keys";
+            }
             ASSERT_TRUE(item.action.starts_with("win.")) << item.action;
             EXPECT_TRUE(g_action_group_has_action(actions, item.action.c_str() + 4));
         }
-        g_object_unref(model);
     }
-    g_object_unref(bar);
+    EXPECT_EQ(itemsOf(menus[3].get()).back().label, "Reload");
+    VLDContextMenuInfo inField;
+    inField.isEditable = true;
+    EXPECT_EQ(WindowMenus::pageMenu(inField).get(), nullptr) << "a text field keeps the engine's own menu";
 
     // Items are enabled as the window's state allows.
     EXPECT_FALSE(g_action_group_get_action_enabled(actions, "back"));
@@ -133,30 +133,4 @@ TEST_F(MenuBarTest, ItemsNameTheWindowsActionsAndFollowItsState)
     g_action_group_activate_action(actions, "stop", nullptr);
     auto& commands = fakeViewOf(*window->tabs()[1])->commands;
     EXPECT_EQ(std::count(commands.begin(), commands.end(), "stopLoading"), 0);
-}
-
-TEST_F(MenuBarTest, PopupMenusNameTheWindowsActionsAndShowNoKeys)
-{
-    auto window = MainWindow::create(WindowFrame::defaultFrame(), false, false);
-    WindowRegistry::shared().windows.push_back(window);
-    window->install(BrowserTab::create("https://a.example/", false), true);
-    VLDContextMenuInfo onLink;
-    onLink.linkURL = "https://b.example/";
-    onLink.selectionText = "words";
-    std::vector<GObjectPtr<GMenuModel>> menus;
-    menus.push_back(WindowMenus::wordmarkMenu());
-    menus.push_back(WindowMenus::tabMenu(*window, 0));
-    menus.push_back(WindowMenus::pageMenu(onLink));
-    for (const auto& menu : menus) {
-        for (const auto& item : itemsOf(menu.get(), true)) {
-            SCOPED_TRACE(item.label);
-            EXPECT_TRUE(item.accel.empty()) << "only the menu bar shows keys";
-            ASSERT_TRUE(item.action.starts_with("win.")) << item.action;
-            EXPECT_TRUE(g_action_group_has_action(window->actions(), item.action.c_str() + 4));
-        }
-    }
-    EXPECT_EQ(itemsOf(menus[2].get()).back().label, "Reload");
-    VLDContextMenuInfo inField;
-    inField.isEditable = true;
-    EXPECT_EQ(WindowMenus::pageMenu(inField).get(), nullptr) << "a text field keeps the engine's own menu";
 }

@@ -1,6 +1,5 @@
 #include "WidgetTestSupport.h"
 
-#include "core/Palette.h"
 #include "shell/chrome/PopupMenu.h"
 #include "shell/chrome/TabSlot.h"
 #include "shell/chrome/TabStrip.h"
@@ -57,12 +56,6 @@ protected:
         };
     }
 
-    void TearDown() override
-    {
-        WidgetTest::TearDown();
-        strip.reset();
-    }
-
     void setTitles(const std::vector<std::string>& titles, int active)
     {
         std::vector<TabStrip::Item> items;
@@ -81,10 +74,10 @@ protected:
         return result;
     }
 
-    std::unique_ptr<TabStrip> strip;
     std::vector<int> selected;
     std::vector<int> closed;
     std::vector<std::pair<int, int>> reorders;
+    std::unique_ptr<TabStrip> strip; // last: it goes before what its callbacks write to
 };
 
 TEST_F(TabStripTest, SetTabsReusesSlotsAndClampsTheActiveIndex)
@@ -99,7 +92,6 @@ TEST_F(TabStripTest, SetTabsReusesSlotsAndClampsTheActiveIndex)
         { { "A", "B", "C" }, 7, 2 },
         { { "A", "B" }, -4, 0 },
         { {}, 2, 0 },
-        { { "Only" }, 0, 0 },
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << row.titles.size() << " tabs, active " << row.active);
@@ -111,8 +103,6 @@ TEST_F(TabStripTest, SetTabsReusesSlotsAndClampsTheActiveIndex)
             TabSlot& slot = strip->slot(i);
             EXPECT_EQ(slot.index(), static_cast<int>(i));
             EXPECT_EQ(slot.isActive(), static_cast<int>(i) == row.expectedActive);
-            EXPECT_STREQ(gtk_widget_get_tooltip_text(slot.widget()), row.titles[i].c_str());
-            EXPECT_EQ(gtk_widget_get_parent(slot.widget()), strip->widget());
         }
     }
 }
@@ -215,7 +205,6 @@ TEST_F(TabStripTest, ButtonsCloseOpenAndAskForTheTabsMenu)
     strip->newTabButton().press();
     strip->newTabButton().release(10, 10);
     EXPECT_EQ(newTabs, 1);
-    EXPECT_STREQ(gtk_widget_get_tooltip_text(strip->newTabButton().widget()), "New Tab");
 
     EXPECT_TRUE(strip->slot(1).openContextMenu(40, 12));
     EXPECT_NE(PopupMenu::openMenu(strip->slot(1).widget()), nullptr);
@@ -252,57 +241,45 @@ TEST_F(TabStripTest, BarePartsAreLeftToTheWindowHandle)
     }
 }
 
-TEST_F(TabStripTest, DrawsTheActiveAndHoveredBodies)
+// (600 - 48) / 3 = 184: slots at 12, 196 and 380, 183 wide, the body from y 3 to 25, the title from 10 in.
+TEST_F(TabStripTest, DrawsTheBodiesAndReadableTitles)
 {
-    setColors("cyan", "magenta", "grey", "charcoal", "gunmetal");
     const Color gunmetal = Color::fromHex(0x282828);
     const Color charcoal = Color::fromHex(0x404040);
     const Color magenta = Color::fromHex(0xC000C0);
+    const Color grey = Color::fromHex(0x808080);
+    const Color red = Color::fromHex(0xE05252);
+    const Color black = Color::fromHex(0x000000);
+    const Color white = Color::fromHex(0xFFFFFF);
     host(strip->widget(), 600, 28);
-    // (600 - 48) / 3 = 184: slots at 12, 196 and 380, 183 wide, the body from y 3 to 25.
-    setTitles({ "First", "Second", "Third" }, 1);
+    setTitles({ "MMMMMMMM", "MMMMMMMM", "MMMMMMMM" }, 1);
     strip->slot(2).pointerEntered();
+    setColors("cyan", "magenta", "grey", "charcoal", "gunmetal");
     Rendering image = render(strip->widget());
-
     EXPECT_TRUE(pixelIs(image.at(5, 14), gunmetal)) << "the strip's own background";
     EXPECT_TRUE(pixelIs(image.at(150, 5), gunmetal)) << "a plain slot has no body";
     EXPECT_TRUE(pixelIs(image.at(300, 5), charcoal)) << "the active body is the field colour";
     EXPECT_TRUE(pixelIs(image.at(300, 3), magenta)) << "with the highlight colour round it";
     // Gunmetal (40) lifted by 0.18: 40 + 215 * 0.18 = 79.
     EXPECT_TRUE(pixelIs(image.at(480, 5), rgb(79, 79, 79))) << "the hovered slot is shaded";
-}
 
-struct TitleCase {
-    const char* text;
-    const char* passive;
-    const char* field;
-    const char* border;
-    Color activeTitle;
-    Color plainTitle;
-};
-
-TEST_F(TabStripTest, TitlesFollowTheContrastRule)
-{
-    const Color grey = Color::fromHex(0x808080);
-    const Color red = Color::fromHex(0xE05252);
-    const Color black = Color::fromHex(0x000000);
-    const Color white = Color::fromHex(0xFFFFFF);
-    const TitleCase cases[] = {
-        { "cyan", "grey", "white", "gunmetal", black, grey }, // cyan on white becomes black; grey stays
-        { "red", "charcoal", "white", "gunmetal", red, white }, // red stays on white; charcoal on gunmetal doesn't
+    // The active title is the text colour on the field, the others the passive colour on the border.
+    struct Row {
+        const char* text;
+        const char* passive;
+        Color activeTitle;
+        Color plainTitle;
     };
-    host(strip->widget(), 600, 28);
-    setTitles({ "MMMMMMMM", "MMMMMMMM" }, 0);
-    for (const TitleCase& row : cases) {
-        SCOPED_TRACE(
-            testing::Message() << row.text << " on " << row.field << ", " << row.passive << " on " << row.border);
-        setColors(row.text, "magenta", row.passive, row.field, row.border);
-        Rendering image = render(strip->widget());
-        // The titles start 10 into each slot; two slots of 200 from 12.
-        Color activeBody = Palette::fieldColor();
-        Color plainBody = Palette::borderColor();
-        EXPECT_TRUE(pixelIs(image.farthestFrom(activeBody, 22, 6, 100, 16), row.activeTitle, 40));
-        EXPECT_TRUE(pixelIs(image.farthestFrom(plainBody, 222, 6, 100, 16), row.plainTitle, 40));
+    const Row rows[] = {
+        { "cyan", "grey", black, grey }, // cyan on white becomes black; grey on gunmetal stays
+        { "red", "charcoal", red, white }, // red stays on white; charcoal on gunmetal doesn't
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.text << " on white, " << row.passive << " on gunmetal");
+        setColors(row.text, "magenta", row.passive, "white", "gunmetal");
+        Rendering titles = render(strip->widget());
+        EXPECT_TRUE(pixelIs(titles.farthestFrom(white, 206, 6, 100, 16), row.activeTitle, 40));
+        EXPECT_TRUE(pixelIs(titles.farthestFrom(gunmetal, 22, 6, 100, 16), row.plainTitle, 40));
     }
 }
 

@@ -39,7 +39,6 @@ TEST_F(UpdateSlotTest, FollowsTheUpdatersStates)
             "Checking for updates…" },
         { "no tick for a check the slot didn't see begin", checking, { { idle, true } }, false, false, nullptr },
         { "a clean idle without a check", idle, { { idle, true } }, false, false, nullptr },
-        { "staged after a check", idle, { { checking }, { staged } }, false, false, "Update to v0.2.0" },
         { "a slot made during a check", checking, {}, true, false, "Checking for updates…" },
     };
     for (const SequenceCase& row : cases) {
@@ -50,12 +49,7 @@ TEST_F(UpdateSlotTest, FollowsTheUpdatersStates)
         }
         EXPECT_EQ(slot.isSpinning(), row.spinning);
         EXPECT_EQ(slot.isTickShowing(), row.tick);
-        const char* tooltip = gtk_widget_get_tooltip_text(slot.widget());
-        if (row.tooltip) {
-            EXPECT_STREQ(tooltip, row.tooltip);
-        } else {
-            EXPECT_EQ(tooltip, nullptr) << tooltip;
-        }
+        EXPECT_STREQ(gtk_widget_get_tooltip_text(slot.widget()), row.tooltip);
     }
 }
 

@@ -1,7 +1,5 @@
 #include "WidgetTestSupport.h"
 
-#include "support/MainLoop.h"
-
 #include "core/Notification.h"
 #include "core/NotificationCenter.h"
 #include "core/Theme.h"
@@ -20,7 +18,7 @@ namespace velder::test {
 
 std::ostream& operator<<(std::ostream& out, const Pixel& pixel)
 {
-    return out << "rgba(" << pixel.red << "," << pixel.green << "," << pixel.blue << "," << pixel.alpha << ")";
+    return out << "rgb(" << pixel.red << "," << pixel.green << "," << pixel.blue << ")";
 }
 
 Rendering::Rendering(int width, int height, std::vector<unsigned char> bgra)
@@ -38,20 +36,18 @@ Pixel Rendering::at(int x, int y) const
         return {};
     }
     const unsigned char* p = &m_bgra[(static_cast<size_t>(y) * m_width + x) * 4];
-    Pixel pixel { p[2], p[1], p[0], p[3] };
-    if (pixel.alpha > 0 && pixel.alpha < 255) {
-        pixel.red = pixel.red * 255 / pixel.alpha;
-        pixel.green = pixel.green * 255 / pixel.alpha;
-        pixel.blue = pixel.blue * 255 / pixel.alpha;
-    }
-    return pixel;
+    return { p[2], p[1], p[0] };
+}
+
+static int byte(double component)
+{
+    return static_cast<int>(std::lround(component * 255));
 }
 
 static int distance(const Pixel& pixel, Color color)
 {
-    return std::abs(pixel.red - static_cast<int>(std::lround(color.red * 255)))
-        + std::abs(pixel.green - static_cast<int>(std::lround(color.green * 255)))
-        + std::abs(pixel.blue - static_cast<int>(std::lround(color.blue * 255)));
+    return std::abs(pixel.red - byte(color.red)) + std::abs(pixel.green - byte(color.green))
+        + std::abs(pixel.blue - byte(color.blue));
 }
 
 Pixel Rendering::farthestFrom(Color from, int x, int y, int width, int height) const
@@ -81,9 +77,8 @@ int Rendering::countNear(Color color, int tolerance, int x, int y, int width, in
 
 bool near(const Pixel& pixel, Color color, int tolerance)
 {
-    return std::abs(pixel.red - static_cast<int>(std::lround(color.red * 255))) <= tolerance
-        && std::abs(pixel.green - static_cast<int>(std::lround(color.green * 255))) <= tolerance
-        && std::abs(pixel.blue - static_cast<int>(std::lround(color.blue * 255))) <= tolerance;
+    return std::abs(pixel.red - byte(color.red)) <= tolerance && std::abs(pixel.green - byte(color.green)) <= tolerance
+        && std::abs(pixel.blue - byte(color.blue)) <= tolerance;
 }
 
 ::testing::AssertionResult pixelIs(const Pixel& pixel, Color color, int tolerance)
@@ -91,9 +86,8 @@ bool near(const Pixel& pixel, Color color, int tolerance)
     if (near(pixel, color, tolerance)) {
         return ::testing::AssertionSuccess();
     }
-    return ::testing::AssertionFailure() << pixel << " is not within " << tolerance << " of rgb("
-                                         << std::lround(color.red * 255) << "," << std::lround(color.green * 255) << ","
-                                         << std::lround(color.blue * 255) << ")";
+    return ::testing::AssertionFailure() << pixel << " is not within " << tolerance << " of rgb(" << byte(color.red)
+                                         << "," << byte(color.green) << "," << byte(color.blue) << ")";
 }
 
 Color rgb(int red, int green, int blue)
@@ -243,19 +237,17 @@ Rendering WidgetTest::render(GtkWidget* widget, Color background)
     int width = pending.width;
     int height = pending.height;
     graphene_rect_t area = GRAPHENE_RECT_INIT(0, 0, static_cast<float>(width), static_cast<float>(height));
-    GskRenderNode* node = pending.node;
-
     GskRenderer* renderer = gsk_cairo_renderer_new();
     GError* error = nullptr;
     if (!gsk_renderer_realize(renderer, nullptr, &error)) {
         ADD_FAILURE() << "cannot realize a renderer: " << (error ? error->message : "?");
         g_clear_error(&error);
     }
-    GdkTexture* texture = gsk_renderer_render_texture(renderer, node, &area);
+    GdkTexture* texture = gsk_renderer_render_texture(renderer, pending.node, &area);
     std::vector<unsigned char> bgra(static_cast<size_t>(width) * height * 4);
     gdk_texture_download(texture, bgra.data(), static_cast<size_t>(width) * 4);
     g_object_unref(texture);
-    gsk_render_node_unref(node);
+    gsk_render_node_unref(pending.node);
     gsk_renderer_unrealize(renderer);
     g_object_unref(renderer);
     return Rendering(width, height, std::move(bgra));

@@ -18,12 +18,11 @@ class Vault;
 
 namespace velder::test {
 
-// One pixel of a rendering, straight (not premultiplied) 8-bit components.
+// One pixel of a rendering, 8-bit components. Renderings are opaque, so there is no alpha to keep.
 struct Pixel {
     int red = 0;
     int green = 0;
     int blue = 0;
-    int alpha = 0;
 };
 
 std::ostream& operator<<(std::ostream& out, const Pixel& pixel);
@@ -34,7 +33,6 @@ class Rendering {
 public:
     Rendering(int width, int height, std::vector<unsigned char> bgra);
     int width() const { return m_width; }
-    int height() const { return m_height; }
     Pixel at(int x, int y) const;
     // The pixel of the area farthest from `from` (the text or symbol drawn on a plain background).
     Pixel farthestFrom(Color from, int x, int y, int width, int height) const;
