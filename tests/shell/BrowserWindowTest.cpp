@@ -125,7 +125,7 @@ TEST_F(BrowserWindowTest, PicturesOfTheChrome)
 
     // The suggestion list, opened by typing.
     window->perform(BrowserAction::Kind::focusAddressBar);
-    runMainLoopFor(100ms);
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->addressBar().isEditing(); }));
     for (unsigned key : { GDK_KEY_1, GDK_KEY_2, GDK_KEY_7 }) {
         RealInput::pressKey(GTK_WIDGET(window->window()), key);
     }
@@ -201,7 +201,8 @@ TEST_F(BrowserWindowTest, TheFieldNeverKeepsARowWalkedPast)
         EXPECT_TRUE(runMainLoopUntil([&] { return window->suggestions().entries().size() >= 2; }));
         RealInput::pressKey(root, GDK_KEY_Down);
         RealInput::pressKey(root, GDK_KEY_Down);
-        EXPECT_TRUE(runMainLoopUntil([&] { return window->addressBar().text().starts_with("http"); }));
+        EXPECT_TRUE(runMainLoopUntil([&] { return window->suggestions().selectedIndex() == 1; }));
+        EXPECT_TRUE(window->addressBar().text().starts_with("http"));
     };
     std::string own = server.url("/start");
 
