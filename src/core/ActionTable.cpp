@@ -47,6 +47,8 @@ std::vector<ActionRow> makeRows()
         { "paste", "Paste", std::nullopt, {}, "v", command },
         { "selectAll", "Select All", std::nullopt, {}, "a", command },
         { "toggleFullScreen", "Enter Full Screen", std::nullopt, {}, "F11", 0, true },
+        { "focusNextPart", "Focus Next Part", std::nullopt, {}, "F6", 0, true },
+        { "focusPreviousPart", "Focus Previous Part", std::nullopt, {}, "F6", shift, true },
         { "minimize", "Minimize", std::nullopt },
         { "zoom", "Zoom", std::nullopt },
     };

@@ -60,7 +60,6 @@ std::vector<KeyBinding> makeBindings()
         { Kind::back, "Left", option, 37, false },
         { Kind::forward, "Right", option, 39, false },
         { Kind::home, "Home", option, 36, false },
-        { Kind::focusAddressBar, "F6", 0, 117, false },
         { Kind::focusAddressBar, "d", option, 68, false },
         { Kind::nextTab, "Page_Down", command, 34, false },
         { Kind::prevTab, "Page_Up", command, 33, false },

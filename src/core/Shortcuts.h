@@ -13,7 +13,7 @@ namespace velder {
 // key does the same thing whether the focus is in the chrome or in a page. The first matching row wins.
 namespace Shortcuts {
 
-// The 39 rows of every platform, then the rows that Linux habit adds (F5, Alt+←, F6, Ctrl+Page Down ...).
+// The 39 rows of every platform, then the rows that Linux habit adds (F5, Alt+←, Alt+D, Ctrl+Page Down ...).
 const std::vector<KeyBinding>& bindings();
 
 // The key and modifiers of the first primary row of the action (selectTab compares its position too).

@@ -8,6 +8,7 @@
 #include "bridge/VLDBrowserView.h"
 #include "core/Palette.h"
 #include "shell/chrome/AddressBar.h"
+#include "shell/chrome/KeyboardFocus.h"
 #include "shell/chrome/TabSlot.h"
 #include "shell/chrome/TabStrip.h"
 #include "shell/overlays/FindBar.h"
@@ -83,6 +84,12 @@ protected:
         }
         screenshotWindow(window.window(), artifact("touch-failed.png"));
         return false;
+    }
+
+    static bool pageHasTheKeyboard(MainWindow& window)
+    {
+        GtkWidget* focus = gtk_window_get_focus(window.window());
+        return focus && gtk_widget_is_ancestor(focus, window.container());
     }
 
     static std::string artifact(const std::string& name)
@@ -313,10 +320,7 @@ TEST_F(BrowserWindowTest, TheMenuBarByTheKeyboard)
     RealInput::pressKeyInPlace(GDK_KEY_Escape);
     EXPECT_TRUE(runMainLoopUntil([&] { return !isOpen(2) && !gtk_widget_get_visible(bar); }))
         << "Escape closes the menu, and with no menu open the bar goes";
-    auto pageHasTheKeyboard = [&] {
-        GtkWidget* focus = gtk_window_get_focus(window->window());
-        return focus && gtk_widget_is_ancestor(focus, window->container());
-    };
+    auto pageHasTheKeyboard = [&] { return this->pageHasTheKeyboard(*window); };
     EXPECT_TRUE(runMainLoopUntil(pageHasTheKeyboard)) << "the page has the keyboard back";
 
     RealInput::pressKey(root, GDK_KEY_s, { GDK_KEY_Alt_L });
@@ -474,4 +478,40 @@ TEST_F(BrowserWindowTest, CtrlFSelectsTheOldSearchToReplaceIt)
     }
     EXPECT_TRUE(runMainLoopUntil([&] { return window->findBar().text() == "pe"; }))
         << "the field holds '" << window->findBar().text() << "'";
+}
+
+// F6 and Shift+F6 go round the address bar, the page and the tab strip; the focused tab shows a ring in the
+// chrome's colours, and Tab and Return there select another tab.
+TEST_F(BrowserWindowTest, F6GoesRoundTheWindowAndTheFocusShows)
+{
+    server.route("/one", TestResponse::html(page("One")));
+    server.route("/two", TestResponse::html(page("Two")));
+    auto window = openWindow({ "/one", "/two" });
+    GtkWidget* root = GTK_WIDGET(window->window());
+    GtkWidget* activeSlot = window->strip().slot(0).widget();
+    ASSERT_TRUE(touchPage(*window));
+
+    RealInput::pressKey(root, GDK_KEY_F6);
+    ASSERT_TRUE(runMainLoopUntil([&] { return gtk_widget_has_focus(activeSlot); }));
+    // The ring's pixels in the title row, with the focus on the tab and after it has gone.
+    auto ringPixels = [&](const char* name) {
+        runMainLoopFor(200ms);
+        Rendering picture = screenshotWindow(window->window(), artifact(name));
+        Color ring = KeyboardFocus::ringColor(Palette::borderColor());
+        return picture.countNear(ring, 8, 0, 0, gtk_widget_get_width(activeSlot) + 20, 46);
+    };
+    int focused = ringPixels("focused-tab.png");
+    RealInput::pressKey(root, GDK_KEY_F6);
+    EXPECT_TRUE(runMainLoopUntil([&] { return window->addressBar().isEditing(); }));
+    EXPECT_GT(focused, ringPixels("unfocused-tab.png") + 100) << "the focused tab draws a ring";
+    RealInput::pressKey(root, GDK_KEY_F6);
+    EXPECT_TRUE(runMainLoopUntil([&] { return pageHasTheKeyboard(*window); }));
+
+    RealInput::pressKey(root, GDK_KEY_F6, { GDK_KEY_Shift_L });
+    EXPECT_TRUE(runMainLoopUntil([&] { return window->addressBar().isEditing(); }));
+    RealInput::pressKey(root, GDK_KEY_F6, { GDK_KEY_Shift_L });
+    ASSERT_TRUE(runMainLoopUntil([&] { return gtk_widget_has_focus(window->strip().slot(0).widget()); }));
+    RealInput::pressKey(root, GDK_KEY_Tab);
+    RealInput::pressKey(root, GDK_KEY_Return);
+    EXPECT_TRUE(runMainLoopUntil([&] { return window->activeIndex() == 1; })) << "Return selects the focused tab";
 }

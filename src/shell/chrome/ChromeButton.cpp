@@ -3,6 +3,7 @@
 #include "core/Palette.h"
 #include "core/Theme.h"
 #include "shell/chrome/Drawing.h"
+#include "shell/chrome/KeyboardFocus.h"
 #include "shell/chrome/OwnedWidget.h"
 #include "shell/chrome/PopupMenu.h"
 #include "shell/chrome/PressGesture.h"
@@ -58,7 +59,11 @@ static void velder_chrome_button_init(VelderChromeButton* self)
     velder::addHoverTracking<ChromeButton>(widget);
 
     velder::addPressGesture<ChromeButton>(widget);
-    gtk_widget_set_focusable(widget, FALSE);
+    velder::KeyboardFocus::enable(widget, [widget] {
+        if (auto* button = velder::ownerOf<ChromeButton>(widget)) {
+            button->activate();
+        }
+    });
 }
 
 namespace velder {
@@ -112,6 +117,7 @@ void ChromeButton::setEnabled(bool enabled)
         m_isTracking = false;
     }
     gtk_accessible_update_state(GTK_ACCESSIBLE(m_widget.get()), GTK_ACCESSIBLE_STATE_DISABLED, !enabled, -1);
+    gtk_widget_set_focusable(m_widget.get(), enabled && m_isFocusable);
     redraw();
 }
 
@@ -186,6 +192,25 @@ void ChromeButton::press()
     m_isTracking = true;
 }
 
+void ChromeButton::activate()
+{
+    if (!m_isEnabled) {
+        return;
+    }
+    if (menuProvider) {
+        press();
+    } else if (onClick) {
+        auto click = onClick;
+        click();
+    }
+}
+
+void ChromeButton::setFocusable(bool focusable)
+{
+    m_isFocusable = focusable;
+    gtk_widget_set_focusable(m_widget.get(), focusable && m_isEnabled);
+}
+
 void ChromeButton::pointerMoved(double x, double y)
 {
     if (!m_isTracking) {
@@ -250,6 +275,9 @@ void ChromeButton::snapshot(GtkSnapshot* snapshot)
         Drawing::fillRounded(
             snapshot, base.withAlpha(m_isPressed ? 0.28 : 0.16), Drawing::inset(Drawing::bounds(widget), 1, 1), 5);
     }
+    // A symbol fills its button: the ring goes round it, outside the bounds.
+    KeyboardFocus::drawRing(
+        snapshot, widget, background ? background() : Palette::fieldColor(), m_content.isSymbol ? -3 : 0, 5);
 
     if (m_content.isSymbol) {
         int scale = gtk_widget_get_scale_factor(widget);

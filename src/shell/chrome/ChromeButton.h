@@ -43,6 +43,8 @@ public:
     // The colour while hovered; when empty, the ink lifted by 0.3.
     std::function<Color()> hoverInk;
     std::function<void()> onClick;
+    // The colour the button is drawn over, for its focus ring; when empty, the field colour.
+    std::function<Color()> background;
     // When set, a press shows this menu (x 0, y height + 4) instead of clicking. A null model shows nothing.
     std::function<GObjectPtr<GMenuModel>()> menuProvider;
 
@@ -63,6 +65,11 @@ public:
 
     bool isHovered() const { return m_isHovered; }
     bool isPressed() const { return m_isPressed; }
+
+    // Return, Enter or Space on the focused button: its menu, or its click.
+    void activate();
+    // Whether Tab reaches it (while enabled): true unless its owner offers the same by other keys.
+    void setFocusable(bool focusable);
 
     // The text's width in its font, or the symbol's image width; 0 for an unknown symbol.
     double contentWidth() const;
@@ -87,6 +94,7 @@ private:
     Content m_content;
     std::string m_accessibilityLabel;
     bool m_isEnabled = true;
+    bool m_isFocusable = true;
     double m_symbolPointSize = 13;
     PangoWeight m_symbolWeight = PANGO_WEIGHT_MEDIUM;
     bool m_drawsHoverBackground = true;

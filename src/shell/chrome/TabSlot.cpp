@@ -3,6 +3,7 @@
 #include "core/Palette.h"
 #include "core/Theme.h"
 #include "shell/chrome/Drawing.h"
+#include "shell/chrome/KeyboardFocus.h"
 #include "shell/chrome/OwnedWidget.h"
 #include "shell/chrome/PopupMenu.h"
 #include "shell/chrome/TabStrip.h"
@@ -125,6 +126,12 @@ static void velder_tab_slot_init(VelderTabSlot* self)
     gtk_gesture_single_set_button(GTK_GESTURE_SINGLE(secondary), GDK_BUTTON_SECONDARY);
     g_signal_connect(secondary, "pressed", G_CALLBACK(secondaryPressed), self);
     gtk_widget_add_controller(widget, GTK_EVENT_CONTROLLER(secondary));
+
+    velder::KeyboardFocus::enable(widget, [widget] {
+        if (auto* slot = velder::ownerOf<TabSlot>(widget); slot && slot->strip().onSelect) {
+            slot->strip().onSelect(slot->index());
+        }
+    });
 }
 
 namespace velder {
@@ -136,6 +143,7 @@ TabSlot::TabSlot(TabStrip& strip)
 {
     setOwner(m_widget.get(), this);
 
+    m_closeButton.setFocusable(false); // Ctrl+W closes the tab the keyboard is on
     m_closeButton.setSymbolPointSize(9);
     m_closeButton.setSymbolWeight(PANGO_WEIGHT_SEMIBOLD);
     m_closeButton.setDrawsHoverBackground(false);
@@ -260,6 +268,10 @@ void TabSlot::snapshot(GtkSnapshot* snapshot)
         Drawing::strokeRounded(snapshot, Palette::highlightColor(), Drawing::inset(body, 0.5, 0.5), 7, 1);
     } else if (m_isHovered) {
         Drawing::fillRounded(snapshot, Theme::shade(border, 0.18), body, 7);
+    }
+    if (KeyboardFocus::showsRing(widget)) {
+        // Round the body, clear of the active tab's own outline.
+        Drawing::strokeRounded(snapshot, KeyboardFocus::ringColor(border), Drawing::inset(body, -2, -2), 9, 2);
     }
 
     double titleWidth = std::max(width - 10 - (m_isCloseButtonShown ? 26 : 8), 0.0);

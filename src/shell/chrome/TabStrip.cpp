@@ -63,6 +63,7 @@ TabStrip::TabStrip()
 {
     setOwner(m_widget.get(), this);
     m_newTabButton.ink = [] { return Theme::readable(Palette::passiveColor(), Palette::borderColor()); };
+    m_newTabButton.background = [] { return Palette::borderColor(); };
     m_newTabButton.onClick = [this] {
         if (auto newTab = onNewTab) {
             newTab();

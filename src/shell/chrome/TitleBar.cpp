@@ -28,6 +28,7 @@ TitleBar::TitleBar(bool isPrivate)
     m_wordmark->ink = [isPrivate] {
         return Theme::readable(isPrivate ? Palette::highlightColor() : Palette::passiveColor(), Palette::borderColor());
     };
+    m_wordmark->background = [] { return Palette::borderColor(); };
     gtk_widget_set_size_request(m_wordmark->widget(), static_cast<int>(std::ceil(m_wordmark->contentWidth() + 16)), 22);
     gtk_widget_set_valign(m_wordmark->widget(), GTK_ALIGN_CENTER);
     gtk_widget_set_margin_end(m_wordmark->widget(), 4);

@@ -440,13 +440,20 @@ void MainWindow::focusForActiveTab()
     // A page opened by a page (a popup, a form aimed at a new window) has no address yet but is a page.
     bool isPage = !UrlHelper::isBlank(tab->url) || tab->view()->isPopupHost();
     if (!m_focusAddressOnNextActivation && isPage) {
-        tab->view()->setRefusesNavigationFocus(false);
-        gtk_window_set_focus(m_window.get(), nullptr);
-        tab->view()->setBrowserFocus(true);
+        focusPage();
     } else {
         tab->view()->setRefusesNavigationFocus(true);
         tab->view()->setBrowserFocus(false);
         addressBar().focusAndSelectAll();
+    }
+}
+
+void MainWindow::focusPage()
+{
+    if (auto tab = activeTab()) {
+        tab->view()->setRefusesNavigationFocus(false);
+        gtk_window_set_focus(m_window.get(), nullptr);
+        tab->view()->setBrowserFocus(true);
     }
 }
 

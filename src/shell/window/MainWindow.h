@@ -69,6 +69,8 @@ public:
     // Loads the URL in the active tab and gives the page the keyboard.
     void navigateActiveTab(const std::string& url);
     void focusForActiveTab();
+    // Gives the keyboard to the active tab's page, blank or not.
+    void focusPage();
     void refreshChrome();
     WindowSession sessionRecord() const;
 

@@ -5,6 +5,9 @@
 #include "core/ActionTable.h"
 #include "core/Vault.h"
 #include "shell/chrome/AddressBar.h"
+#include "shell/chrome/KeyboardFocus.h"
+#include "shell/chrome/TabSlot.h"
+#include "shell/chrome/TabStrip.h"
 #include "shell/overlays/FindBar.h"
 #include "shell/tab/BrowserTab.h"
 #include "shell/window/AppDelegate.h"
@@ -32,6 +35,32 @@ std::shared_ptr<BrowserTab> tabAt(MainWindow& window, GVariant* index)
 {
     auto position = static_cast<std::size_t>(g_variant_get_uint32(index));
     return position < window.tabs().size() ? window.tabs()[position] : nullptr;
+}
+
+// F6 and Shift+F6 go round the window's three parts, as in other Linux browsers: the address bar, the page,
+// the tab strip (its active tab). From anywhere else (the find bar, a button) F6 starts at the address bar.
+void focusNextPart(MainWindow& window, bool forward)
+{
+    enum Part { address, page, strip, count };
+    GtkWidget* focus = gtk_root_get_focus(GTK_ROOT(window.window()));
+    auto tab = window.activeTab();
+    auto within = [focus](GtkWidget* area) { return focus && (focus == area || gtk_widget_is_ancestor(focus, area)); };
+    int now = -1;
+    if (window.addressBar().isEditing()) {
+        now = address;
+    } else if (within(window.strip().widget())) {
+        now = strip;
+    } else if (tab && (within(tab->view()->widget()) || !focus)) {
+        now = page;
+    }
+    int next = now < 0 ? (forward ? address : strip) : (now + (forward ? 1 : count - 1)) % count;
+    if (next == address) {
+        window.addressBar().focusAndSelectAll();
+    } else if (next == page) {
+        window.focusPage();
+    } else if (window.activeIndex() < window.strip().slotCount()) {
+        KeyboardFocus::grabByKeyboard(window.strip().slot(window.activeIndex()).widget());
+    }
 }
 
 } // namespace
@@ -85,6 +114,8 @@ void WindowCommands::addWindowCommands()
         }
     });
     add("toggleFullScreen", nullptr, [](MainWindow& window, GVariant*) { window.placement().toggleFullScreen(); });
+    add("focusNextPart", nullptr, [](MainWindow& window, GVariant*) { focusNextPart(window, true); });
+    add("focusPreviousPart", nullptr, [](MainWindow& window, GVariant*) { focusNextPart(window, false); });
     add("minimize", nullptr, [](MainWindow& window, GVariant*) { window.placement().minimize(); });
     add("zoom", nullptr, [](MainWindow& window, GVariant*) { window.placement().toggleZoom(); });
     static constexpr std::pair<const char*, const char*> edits[]
