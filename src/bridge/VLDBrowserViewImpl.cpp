@@ -88,6 +88,18 @@ VLDBrowserViewImpl::VLDBrowserViewImpl(
     gtk_event_controller_set_propagation_phase(keys, GTK_PHASE_CAPTURE);
     g_signal_connect(keys, "key-pressed", G_CALLBACK(keyPressed), GSIZE_TO_POINTER(m_identifier));
     gtk_widget_add_controller(m_host.get(), keys);
+    // A press in the page moves where the engine's next find step starts from; the press itself goes on.
+    GtkEventController* presses = gtk_event_controller_legacy_new();
+    gtk_event_controller_set_propagation_phase(presses, GTK_PHASE_CAPTURE);
+    g_signal_connect(presses, "event", G_CALLBACK(+[](GtkEventControllerLegacy*, GdkEvent* event, gpointer data) {
+        auto view = VLDClient::viewForIdentifier(GPOINTER_TO_SIZE(data));
+        if (view && gdk_event_get_event_type(event) == GDK_BUTTON_PRESS) {
+            view->m_findLostItsPlace = true;
+        }
+        return FALSE;
+    }),
+        GSIZE_TO_POINTER(m_identifier));
+    gtk_widget_add_controller(m_host.get(), presses);
 }
 
 VLDBrowserViewImpl::~VLDBrowserViewImpl()
@@ -271,7 +283,10 @@ void VLDBrowserViewImpl::findText(const std::string& text, bool forward, bool ma
     WebKitWebView* webView = asWebView(m_webView.get());
     WebKitFindController* find = webkit_web_view_get_find_controller(webView);
     m_findForward = forward;
-    if (findNext && text == m_findText && matchCase == m_findMatchCase && m_findCounter.count() > 0) {
+    // After a press in the page the engine would step on from the press, to a match the count can't name:
+    // the step starts the search afresh from the top (or the bottom, backwards) instead.
+    bool inPlace = !std::exchange(m_findLostItsPlace, false);
+    if (findNext && inPlace && text == m_findText && matchCase == m_findMatchCase && m_findCounter.count() > 0) {
         m_findIsNewSearch = false;
         if (forward) {
             webkit_find_controller_search_next(find);
@@ -288,8 +303,15 @@ void VLDBrowserViewImpl::findText(const std::string& text, bool forward, bool ma
         reportFindResult(0);
         return;
     }
-    // Without a selection the search starts at the top, so the first match is the first of the page.
-    webkit_web_view_execute_editing_command(webView, "Unselect");
+    // The engine searches on from the selection, or from where the page was last pressed: a caret put at
+    // the top (the bottom, backwards) makes the first match found the first of the page, as the count says.
+    // The script goes to the page before the search does, in an isolated world the page can't touch.
+    std::string caret
+        = std::string("(() => { const root = document.body || document.documentElement; if (!root) return;"
+                      " const range = document.createRange(); range.selectNodeContents(root);"
+                      " range.collapse(")
+        + (forward ? "true" : "false") + "); getSelection().removeAllRanges(); getSelection().addRange(range); })()";
+    webkit_web_view_evaluate_javascript(webView, caret.c_str(), -1, "velder-find", nullptr, nullptr, nullptr, nullptr);
     guint options = WEBKIT_FIND_OPTIONS_WRAP_AROUND;
     if (!matchCase) {
         options |= WEBKIT_FIND_OPTIONS_CASE_INSENSITIVE;

@@ -133,6 +133,7 @@ private:
     bool m_findMatchCase = false;
     bool m_findForward = true;
     bool m_findIsNewSearch = false;
+    bool m_findLostItsPlace = false; // the page was pressed since the last find
     VLDFindCounter m_findCounter;
 
     bool m_closeRequested = false;

@@ -6,7 +6,9 @@ namespace velder {
 
 // The engine tells how many matches a new search found, but not which of them is selected, and a step to
 // the next match reports no total at all. The find bar wants both, so the bridge counts: the first match
-// (or the last, searching backwards) after a new search, then one further per step, wrapping round.
+// (or the last, searching backwards) after a new search, then one further per step, wrapping round. The view
+// keeps the engine to that order: a new search starts from a caret at the top (or the bottom), and a step
+// after a press in the page starts the search afresh.
 class VLDFindCounter {
 public:
     // More matches than this are reported as this many.

@@ -186,6 +186,58 @@ TEST_F(PageReportsTest, FindCountsMatchesAndTheActiveOne)
     EXPECT_TRUE(waitForScriptValue(*view, "getSelection().toString()", ""));
 }
 
+// The active number is the match the engine selected, also when the user has pressed into the page between
+// steps: matches lie before and after the press.
+TEST_F(PageReportsTest, TheActiveMatchIsTheOneSelectedAfterAPressInThePage)
+{
+    if (!RealInput::available()) {
+        GTEST_SKIP() << "needs XTest";
+    }
+    std::string body;
+    for (int n = 1; n <= 6; ++n) {
+        body += "<p id=m" + std::to_string(n) + " style='font-size:30px'>foo " + std::to_string(n) + "</p>";
+    }
+    body += "<script>let presses = 0; addEventListener('mousedown', () => ++presses);</script>";
+    m_server->route("/matches", TestResponse::html(page("Matches", body)));
+    auto delegate = std::make_shared<RecordingDelegate>();
+    auto view = openLoaded(m_server->url("/matches"), delegate);
+    auto find = [&](bool forward, bool findNext) {
+        size_t before = delegate->findResults.size();
+        view->findText("foo", forward, false, findNext);
+        return runMainLoopUntil([&] { return delegate->findResults.size() > before; });
+    };
+    // Which paragraph holds the engine's selection, as the find bar would number it.
+    auto selected = [&] {
+        std::string id = evaluate(*view, "getSelection().anchorNode.parentElement.id");
+        return id.size() == 2 ? id[1] - '0' : -1;
+    };
+    struct Step {
+        const char* name;
+        const char* pressOn; // a paragraph pressed first, or none
+        bool forward;
+        bool findNext;
+    };
+    const Step steps[] = {
+        { "a new search", nullptr, true, false },
+        { "next", nullptr, true, true },
+        { "next after a press further down", "#m5", true, true },
+        { "next again", nullptr, true, true },
+        { "previous after a press", "#m4", false, true },
+        { "a new search after a press", "#m3", true, false },
+    };
+    for (const auto& step : steps) {
+        SCOPED_TRACE(step.name);
+        if (step.pressOn) {
+            std::string pressed = std::to_string(std::stoi(evaluate(*view, "presses")) + 1);
+            ASSERT_TRUE(clickElement(*view, step.pressOn));
+            ASSERT_TRUE(waitForScriptValue(*view, "presses", pressed)) << "the press reached the page";
+        }
+        ASSERT_TRUE(find(step.forward, step.findNext));
+        EXPECT_EQ(delegate->findResults.back().count, 6);
+        EXPECT_EQ(delegate->findResults.back().activeMatch, selected());
+    }
+}
+
 // What was under the pointer: the link, the page, the selected text and whether it was editable.
 TEST_F(PageReportsTest, ContextMenuInfo)
 {
