@@ -109,10 +109,6 @@ TEST_F(BrowserWindowTest, PicturesOfTheChrome)
     server.route("/tides", TestResponse::html(page("Tide Tables")));
     server.route("/mornings", TestResponse::html(page("Quiet Mornings")));
     auto window = openWindow({ "/northern", "/tides", "/mornings" });
-    for (auto [path, title] : std::vector<std::pair<std::string, std::string>> {
-             { "/northern", "Northern Lights" }, { "/tides", "Tide Tables" }, { "/mornings", "Quiet Mornings" } }) {
-        HistoryStore::shared().record(server.url(path), title, now());
-    }
     window->selectTab(1);
     runMainLoopFor(300ms);
 
@@ -129,30 +125,6 @@ TEST_F(BrowserWindowTest, PicturesOfTheChrome)
     EXPECT_TRUE(pixelIs(picture.at(picture.width() - 300, 20), Palette::borderColor()));
     EXPECT_TRUE(pixelIs(picture.at(picture.width() - 30, 75), Palette::fieldColor()));
     EXPECT_TRUE(pixelIs(picture.at(600, 400), Color::fromHex(0xFFFFFF))) << "the page shows";
-
-    // The suggestion list, opened by typing.
-    window->perform(BrowserAction::Kind::focusAddressBar);
-    ASSERT_TRUE(runMainLoopUntil([&] { return window->addressBar().isEditing(); }));
-    for (unsigned key : { GDK_KEY_1, GDK_KEY_2, GDK_KEY_7 }) {
-        RealInput::pressKey(GTK_WIDGET(window->window()), key);
-    }
-    ASSERT_TRUE(runMainLoopUntil([&] { return window->suggestions().isShowing(); }, 5s))
-        << "typed: '" << window->addressBar().text() << "'";
-    EXPECT_EQ(window->suggestions().entries().size(), 3u);
-    std::string suggestions = artifact("suggestion-list.png");
-    screenshotWindow(window->window(), suggestions);
-    EXPECT_GT(std::filesystem::file_size(suggestions), 10000u);
-
-    // The settings page.
-    RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_Escape);
-    ASSERT_TRUE(runMainLoopUntil([&] { return !window->suggestions().isShowing(); }, 5s));
-    window->perform(BrowserAction::Kind::settings);
-    ASSERT_TRUE(runMainLoopUntil(
-        [&] { return window->activeTab()->title == "Settings" && !window->activeTab()->isLoading; }, 10s));
-    runMainLoopFor(1500ms); // the page paints after it has loaded
-    std::string settings = artifact("settings-page.png");
-    screenshotWindow(window->window(), settings);
-    EXPECT_GT(std::filesystem::file_size(settings), 10000u);
 }
 
 TEST_F(BrowserWindowTest, ReturnOnASelectedSuggestionOpensThatRow)
