@@ -3,6 +3,7 @@
 #include "app/ShellPageHost.h"
 #include "bridge/VLDBrowserView.h"
 #include "bridge/VLDInternalPages.h"
+#include "core/AppInfo.h"
 #include "core/InternalPages.h"
 #include "core/LocationSettings.h"
 #include "core/Log.h"
@@ -12,6 +13,8 @@
 #include "shell/window/MainWindow.h"
 #include "shell/window/WindowRegistry.h"
 
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <glib-unix.h>
 #include <memory>
@@ -20,8 +23,11 @@ namespace velder {
 
 namespace {
 
+// How long a second launch waits for the running Velder to take its request.
+constexpr std::chrono::milliseconds handOverTimeout(10000);
+
 struct Running {
-    std::vector<std::string> arguments;
+    LaunchRequest request;
     std::unique_ptr<AppDelegate> delegate;
     bool launched = false;
 };
@@ -46,7 +52,7 @@ void applicationDidFinishLaunching(GtkApplication*)
     state.launched = true;
     Launcher::wireServices();
     log("Velder: no update channel \xe2\x80\x94 This build has no update channel.");
-    state.delegate->applicationDidFinishLaunching(state.arguments);
+    state.delegate->applicationDidFinishLaunching(state.request);
 }
 
 void onActivate(GtkApplication* application, gpointer)
@@ -101,46 +107,56 @@ void Launcher::wireServices()
     LocationSettings::shared().onMirroredAllow = [] { PlatformLocation::noteAuthorizationForMirroredAllow(); };
 }
 
-bool Launcher::forwardToRunningInstance(GtkApplication* application, const std::vector<std::string>& arguments)
+Launcher::Handover Launcher::handOver(const LaunchRequest& request)
 {
+    GDBusConnection* bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
+    if (!bus) {
+        return Handover::none;
+    }
+    std::string name = AppInfo::instanceId();
+    GVariant* owned = g_dbus_connection_call_sync(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus",
+        "org.freedesktop.DBus", "NameHasOwner", g_variant_new("(s)", name.c_str()), G_VARIANT_TYPE("(b)"),
+        G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+    gboolean running = FALSE;
+    if (owned) {
+        g_variant_get(owned, "(b)", &running);
+        g_variant_unref(owned);
+    }
+    if (!running) {
+        g_object_unref(bus);
+        return Handover::none;
+    }
+    // The running Velder's "open" action, called as GApplication's own remote actions are, but waited for.
+    std::string path = "/" + name;
+    std::replace(path.begin(), path.end(), '.', '/');
+    GVariantBuilder urls;
+    g_variant_builder_init(&urls, G_VARIANT_TYPE("as"));
+    for (const auto& url : request.urls) {
+        g_variant_builder_add(&urls, "s", url.c_str());
+    }
+    GVariant* parameter = g_variant_new("(asbb)", &urls, request.newWindow, request.privateWindow);
+    GVariantBuilder parameters;
+    g_variant_builder_init(&parameters, G_VARIANT_TYPE("av"));
+    g_variant_builder_add(&parameters, "v", parameter);
     GError* error = nullptr;
-    if (!g_application_register(G_APPLICATION(application), nullptr, &error)) {
-        // Without a session bus there's nobody to hand over to: run here.
+    GVariant* reply = g_dbus_connection_call_sync(bus, name.c_str(), path.c_str(), "org.gtk.Actions", "Activate",
+        g_variant_new("(sava{sv})", "open", &parameters, nullptr), nullptr, G_DBUS_CALL_FLAGS_NONE,
+        static_cast<int>(handOverTimeout.count()), nullptr, &error);
+    g_object_unref(bus);
+    if (!reply) {
+        log(std::string("Velder: the running Velder did not take the request (") + (error ? error->message : "")
+            + "); nothing was opened.");
         g_clear_error(&error);
-        return false;
+        return Handover::unanswered;
     }
-    if (!g_application_get_is_remote(G_APPLICATION(application))) {
-        return false;
-    }
-    std::optional<std::string> url;
-    bool privateWindow = false;
-    bool newWindow = false;
-    for (std::size_t i = 1; i < arguments.size(); ++i) {
-        if (arguments[i] == "--new-window") {
-            newWindow = true;
-        } else if (arguments[i] == "--private-window") {
-            privateWindow = true;
-        } else if (!arguments[i].starts_with("-") && !url) {
-            url = arguments[i];
-        }
-    }
-    if (url) {
-        g_action_group_activate_action(G_ACTION_GROUP(application), "open-url", g_variant_new_string(url->c_str()));
-    } else if (privateWindow) {
-        g_action_group_activate_action(G_ACTION_GROUP(application), "new-private-window", nullptr);
-    } else if (newWindow) {
-        g_action_group_activate_action(G_ACTION_GROUP(application), "new-window", nullptr);
-    } else {
-        g_application_activate(G_APPLICATION(application));
-    }
-    g_application_quit(G_APPLICATION(application));
-    return true;
+    g_variant_unref(reply);
+    return Handover::done;
 }
 
-int Launcher::run(GtkApplication* application, const std::vector<std::string>& arguments)
+int Launcher::run(GtkApplication* application, const LaunchRequest& request)
 {
     Running& state = running();
-    state.arguments = arguments;
+    state.request = request;
     state.delegate = std::make_unique<AppDelegate>();
     for (int signal : { SIGTERM, SIGINT, SIGHUP }) {
         g_unix_signal_add(signal, quitOnSignal, application);
@@ -148,9 +164,21 @@ int Launcher::run(GtkApplication* application, const std::vector<std::string>& a
     g_signal_connect(application, "activate", G_CALLBACK(onActivate), nullptr);
     g_signal_connect(application, "shutdown", G_CALLBACK(onShutdown), nullptr);
     addAction(
-        application, "open-url", G_VARIANT_TYPE_STRING, G_CALLBACK(+[](GSimpleAction*, GVariant* parameter, gpointer) {
+        application, "open", G_VARIANT_TYPE("(asbb)"), G_CALLBACK(+[](GSimpleAction*, GVariant* parameter, gpointer) {
+            LaunchRequest request;
+            GVariantIter* urls = nullptr;
+            gboolean newWindow = FALSE;
+            gboolean privateWindow = FALSE;
+            g_variant_get(parameter, "(asbb)", &urls, &newWindow, &privateWindow);
+            const char* url = nullptr;
+            while (g_variant_iter_next(urls, "&s", &url)) {
+                request.urls.push_back(url);
+            }
+            g_variant_iter_free(urls);
+            request.newWindow = newWindow;
+            request.privateWindow = privateWindow;
             if (AppDelegate* delegate = AppDelegate::shared()) {
-                delegate->openURLFromOutside(g_variant_get_string(parameter, nullptr));
+                delegate->openFromOutside(request);
             }
         }));
     addAction(application, "new-window", nullptr, G_CALLBACK(+[](GSimpleAction*, GVariant*, gpointer) {

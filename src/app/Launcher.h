@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/LaunchRequest.h"
+
 #include <gtk/gtk.h>
 #include <string>
 #include <vector>
@@ -10,13 +12,16 @@ namespace velder {
 // launch's URL or window request handed over to the running Velder, and the signals that quit it.
 class Launcher {
 public:
-    // Hands the arguments to a Velder already running (true), or returns false to run here.
-    static bool forwardToRunningInstance(GtkApplication* application, const std::vector<std::string>& arguments);
+    enum class Handover { none, done, unanswered };
+    // Hands the request to the Velder of this profile already running, before this process touches any
+    // file or starts the engine: done once that Velder has taken it, unanswered when it didn't answer in
+    // time, none when no Velder of this profile runs (or no session bus does).
+    static Handover handOver(const LaunchRequest& request);
     // Connects the services the windows rely on: the velder:// pages with their host, and the location
     // answers' mirror into the engine. Once per process; the engine must be started.
     static void wireServices();
     // Runs until the last window closes or a quit, and returns the exit status.
-    static int run(GtkApplication* application, const std::vector<std::string>& arguments);
+    static int run(GtkApplication* application, const LaunchRequest& request);
 };
 
 } // namespace velder

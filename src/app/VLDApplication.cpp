@@ -13,7 +13,7 @@ GtkApplication* application = nullptr;
 void VLDApplication::installSharedApplication()
 {
     if (!application) {
-        application = gtk_application_new(AppInfo::applicationId, G_APPLICATION_HANDLES_OPEN);
+        application = gtk_application_new(AppInfo::instanceId().c_str(), G_APPLICATION_HANDLES_OPEN);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "core/AppInfo.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <pwd.h>
@@ -43,6 +44,22 @@ std::string xdgDirectory(const char* variable, const char* fallbackUnderHome)
 std::string dataDirectory()
 {
     return xdgDirectory("XDG_DATA_HOME", ".local/share") + "/Velder";
+}
+
+std::string instanceId()
+{
+    std::string folder = dataDirectory();
+    if (folder == homeDirectory() + "/.local/share/Velder") {
+        return applicationId;
+    }
+    // FNV-1a: stable across runs and builds, unlike std::hash.
+    std::uint32_t hash = 2166136261u;
+    for (unsigned char c : folder) {
+        hash = (hash ^ c) * 16777619u;
+    }
+    char suffix[16];
+    std::snprintf(suffix, sizeof suffix, "%08x", hash);
+    return std::string(applicationId) + ".Profile" + suffix;
 }
 
 std::string cacheDirectory()

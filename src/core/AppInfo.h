@@ -13,6 +13,11 @@ namespace AppInfo {
 // The desktop's name for Velder: the GtkApplication id, the .desktop file's name, GeoClue's desktop id.
 inline constexpr const char* applicationId = "local.velder.Velder";
 
+// The name the running Velder of this profile takes on the session bus: the application id for the
+// default data folder, and for any other folder the id with ".Profile" and a hash of the folder's path, so
+// that a second profile runs beside the first instead of handing its addresses over.
+std::string instanceId();
+
 // $XDG_DATA_HOME/Velder (default ~/.local/share/Velder): the key, the three sealed files, the engine's data.
 std::string dataDirectory();
 // $XDG_CACHE_HOME/Velder (default ~/.cache/Velder).

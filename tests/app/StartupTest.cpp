@@ -1,11 +1,14 @@
 // Velder as a whole process: how it starts, hands over to a running Velder, and quits.
 
 #include "core/AesGcm.h"
+#include "core/HistoryData.h"
 #include "core/KeychainKey.h"
 #include "core/SecureJsonFile.h"
 #include "core/VaultData.h"
 #include "support/ChildProcess.h"
+#include "support/MainLoop.h"
 #include "support/RealInput.h"
+#include "support/TestServer.h"
 #include "support/TestSupport.h"
 
 #include <csignal>
@@ -46,11 +49,16 @@ std::map<std::string, std::optional<std::string>> profileEnvironment(const TempD
         { "HOME", root.file("home") }, { "DBUS_SESSION_BUS_ADDRESS", bus.address() } };
 }
 
-VaultData savedVault(const TempDir& root)
+template<class Data> Data saved(const TempDir& root, const std::string& file)
 {
     std::string folder = root.file("data") + "/Velder";
     auto key = KeychainKey::loadOrCreate(folder + "/vault.key");
-    return SecureJsonFile<VaultData>(folder + "/vault.bin", key).load(VaultData());
+    return SecureJsonFile<Data>(folder + "/" + file, key).load(Data());
+}
+
+VaultData savedVault(const TempDir& root)
+{
+    return saved<VaultData>(root, "vault.bin");
 }
 
 // The middle of the first window, which opens centred on the test's 1600x1000 screen.
@@ -95,15 +103,83 @@ TEST(Startup, ASecondLaunchHandsItsAddressToTheRunningVelder)
     ChildProcess first({ VELDER_BINARY, "about:blank" }, environment);
     ASSERT_TRUE(first.waitForLine("Velder: chrome geometry", 60s)) << first.errorText();
 
-    ChildProcess second({ VELDER_BINARY, "about:history" }, environment);
+    // The running Velder's log has grown past the limit at which a starting Velder rotates it: a launch that
+    // hands over must not, nor touch any other file.
+    std::string log = root.file("data") + "/Velder/engine_log.txt";
+    writeBytes(log, std::vector<std::uint8_t>(5242881, 'x'));
+    ChildProcess second({ VELDER_BINARY, "about:history", "about:settings" }, environment);
     EXPECT_EQ(second.wait(30s), 0) << second.errorText();
+    EXPECT_FALSE(fileExists(root.file("data") + "/Velder/engine_log.previous.txt"));
 
     first.signal(SIGTERM);
     EXPECT_EQ(first.wait(30s), 0) << first.errorText();
     VaultData saved = savedVault(root);
     ASSERT_EQ(saved.windows.size(), 1u);
-    EXPECT_EQ(saved.windows[0].tabs, (std::vector<std::string> { "about:blank", "velder://history/" }));
-    EXPECT_EQ(saved.windows[0].activeTab, 1);
+    EXPECT_EQ(
+        saved.windows[0].tabs, (std::vector<std::string> { "about:blank", "velder://history/", "velder://settings/" }));
+    EXPECT_EQ(saved.windows[0].activeTab, 1) << "the first address handed over is the active tab";
+}
+
+// Every address of the command line opens, in one window, the first active.
+TEST(Startup, EveryAddressOfTheCommandLineOpens)
+{
+    TempDir root;
+    PrivateSessionBus bus;
+    ChildProcess velder(
+        { VELDER_BINARY, "about:blank", "about:history", "about:settings" }, profileEnvironment(root, bus));
+    ASSERT_TRUE(velder.waitForLine("Velder: chrome geometry", 60s)) << velder.errorText();
+    velder.signal(SIGTERM);
+    EXPECT_EQ(velder.wait(30s), 0) << velder.errorText();
+    VaultData saved = savedVault(root);
+    ASSERT_EQ(saved.windows.size(), 1u);
+    EXPECT_EQ(
+        saved.windows[0].tabs, (std::vector<std::string> { "about:blank", "velder://history/", "velder://settings/" }));
+    EXPECT_EQ(saved.windows[0].activeTab, 0);
+}
+
+// A private window asked for from cold is all that opens, and its page reaches neither the history nor the
+// saved windows; the session saved before stays as it was.
+TEST(Startup, APrivateWindowFromColdLeavesNoTrace)
+{
+    TempDir root;
+    PrivateSessionBus bus;
+    TestServer server;
+    server.route("/secret", TestResponse::html("<title>Secret</title><img src=/shown>"));
+    server.route("/shown", TestResponse::html(""));
+    auto environment = profileEnvironment(root, bus);
+    {
+        ChildProcess before({ VELDER_BINARY, "about:history" }, environment);
+        ASSERT_TRUE(before.waitForLine("Velder: chrome geometry", 60s)) << before.errorText();
+        before.signal(SIGTERM);
+        ASSERT_EQ(before.wait(30s), 0) << before.errorText();
+    }
+    ChildProcess velder({ VELDER_BINARY, "--private-window", server.url("/secret") }, environment);
+    // The page has arrived when it asks for its image; the loop answers the child meanwhile.
+    ASSERT_TRUE(runMainLoopUntil([&] { return server.received("/shown"); }, 60s)) << velder.errorText();
+    velder.signal(SIGTERM);
+    EXPECT_EQ(velder.wait(30s), 0) << velder.errorText();
+    VaultData vault = savedVault(root);
+    ASSERT_EQ(vault.windows.size(), 1u);
+    EXPECT_EQ(vault.windows[0].tabs, std::vector<std::string> { "velder://history/" });
+    EXPECT_TRUE(saved<HistoryData>(root, "history.bin").entries.empty());
+}
+
+// Two profiles on one session bus run side by side, each with its own page.
+TEST(Startup, TwoProfilesRunSideBySide)
+{
+    TempDir first;
+    TempDir second;
+    PrivateSessionBus bus;
+    ChildProcess one({ VELDER_BINARY, "about:blank" }, profileEnvironment(first, bus));
+    ASSERT_TRUE(one.waitForLine("Velder: chrome geometry", 60s)) << one.errorText();
+    ChildProcess two({ VELDER_BINARY, "about:history" }, profileEnvironment(second, bus));
+    ASSERT_TRUE(two.waitForLine("Velder: chrome geometry", 60s)) << "the second profile handed over";
+    for (ChildProcess* velder : { &one, &two }) {
+        velder->signal(SIGTERM);
+        EXPECT_EQ(velder->wait(30s), 0) << velder->errorText();
+    }
+    EXPECT_EQ(savedVault(first).windows.at(0).tabs, std::vector<std::string> { "about:blank" });
+    EXPECT_EQ(savedVault(second).windows.at(0).tabs, std::vector<std::string> { "velder://history/" });
 }
 
 TEST(Startup, CtrlQInAPageQuitsAndSavesTheSession)

@@ -217,23 +217,3 @@ TEST_F(MainWindowTest, ClosedTabsAreRememberedUpToTwentyFour)
     delegate->rememberClosedTab(" https://blanks.example/ ");
     EXPECT_EQ(delegate->closedTabs().front(), " https://blanks.example/ ");
 }
-
-TEST_F(MainWindowTest, StartupUrlComesFromTheFirstArgumentWithoutADash)
-{
-    struct Row {
-        std::vector<std::string> arguments;
-        std::optional<std::string> expected;
-    };
-    std::vector<Row> rows = {
-        { { "velder" }, std::nullopt },
-        { { "velder", "--remote-debugging-port=9222" }, std::nullopt },
-        { { "velder", "--remote-debugging-port=9222", "example.org" }, "https://example.org" },
-        { { "velder", "javascript:alert(1)" }, std::nullopt },
-        { { "velder", "two words", "https://b.example/" }, std::nullopt },
-        { { "velder", "about:settings" }, "velder://settings/" },
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.arguments.back());
-        EXPECT_EQ(AppDelegate::startupURL(row.arguments), row.expected);
-    }
-}

@@ -23,6 +23,19 @@ std::string homepage()
     return Vault::shared().snapshot()->settings.homepage;
 }
 
+std::string newTabPage(bool isPrivate)
+{
+    return isPrivate ? "about:blank" : Vault::shared().snapshot()->settings.newTabPage;
+}
+
+// A tab for each address, the first of them active.
+void installAll(MainWindow& window, const std::vector<std::string>& urls)
+{
+    for (std::size_t i = 0; i < urls.size(); ++i) {
+        window.install(BrowserTab::create(urls[i], window.isPrivate()), i == 0);
+    }
+}
+
 } // namespace
 
 double AppDelegate::zoomLevel = 0;
@@ -56,11 +69,11 @@ MainWindow* AppDelegate::keyWindow()
     return windows.empty() ? nullptr : windows.back().get();
 }
 
-void AppDelegate::applicationDidFinishLaunching(const std::vector<std::string>& arguments)
+void AppDelegate::applicationDidFinishLaunching(const LaunchRequest& request)
 {
     zoomLevel = std::clamp(Vault::shared().snapshot()->currentZoomLevel, -7.0, 9.0);
     LocationSettings::shared().startWatchingTheGlobalSwitch();
-    openFirstWindows(arguments);
+    openFirstWindows(request);
     WindowRegistry::shared().startPeriodicCapture();
 }
 
@@ -74,49 +87,47 @@ void AppDelegate::applicationWillTerminate()
     HistoryStore::shared().flushNow();
 }
 
-std::optional<std::string> AppDelegate::startupURL(const std::vector<std::string>& arguments)
+void AppDelegate::openFirstWindows(const LaunchRequest& request)
 {
-    for (std::size_t i = 1; i < arguments.size(); ++i) {
-        if (!arguments[i].starts_with("-")) {
-            return UrlHelper::startupTarget(arguments[i]);
-        }
+    // A private window asked for from cold is all that opens: the saved session stays on disk.
+    if (request.privateWindow) {
+        openWindowWith(request.urls.empty() ? std::vector { newTabPage(true) } : request.urls, true, nullptr);
+        return;
     }
-    return std::nullopt;
-}
-
-void AppDelegate::openFirstWindows(const std::vector<std::string>& arguments)
-{
-    if (auto url = startupURL(arguments)) {
+    if (!request.urls.empty()) {
         std::optional<Rect> frame;
         if (auto shape = WindowRegistry::shared().savedShape()) {
             frame = WindowPlacement::frameFromSession(*shape, WindowFrame::visibleFrames());
         }
         auto window = MainWindow::create(frame.value_or(WindowFrame::defaultFrame()), false, frame.has_value());
-        window->install(BrowserTab::create(*url, false), true);
+        installAll(*window, request.urls);
         WindowRegistry::shared().windows.push_back(window);
         window->makeKeyAndOrderFront();
         return;
     }
-    if (!WindowRegistry::shared().restoreSavedSession()) {
+    if (request.newWindow) {
+        openWindow(newTabPage(false), nullptr);
+    } else if (!WindowRegistry::shared().restoreSavedSession()) {
         openWindow(homepage(), nullptr);
     }
 }
 
 MainWindow& AppDelegate::openWindow(const std::string& url, const MainWindow* cascadingFrom)
 {
-    const MainWindow* source = cascadingFrom ? cascadingFrom : keyWindow();
-    auto window = MainWindow::create(MainWindow::frameCascadingFrom(source), false, false);
-    window->install(BrowserTab::create(url, false), true);
-    WindowRegistry::shared().windows.push_back(window);
-    window->makeKeyAndOrderFront();
-    return *window;
+    return openWindowWith({ url }, false, cascadingFrom);
 }
 
 MainWindow& AppDelegate::openPrivateWindow(const MainWindow* cascadingFrom)
 {
+    return openWindowWith({ newTabPage(true) }, true, cascadingFrom);
+}
+
+MainWindow& AppDelegate::openWindowWith(
+    const std::vector<std::string>& urls, bool isPrivate, const MainWindow* cascadingFrom)
+{
     const MainWindow* source = cascadingFrom ? cascadingFrom : keyWindow();
-    auto window = MainWindow::create(MainWindow::frameCascadingFrom(source), true, false);
-    window->install(BrowserTab::create("about:blank", true), true);
+    auto window = MainWindow::create(MainWindow::frameCascadingFrom(source), isPrivate, false);
+    installAll(*window, urls);
     WindowRegistry::shared().windows.push_back(window);
     window->makeKeyAndOrderFront();
     return *window;
@@ -202,22 +213,29 @@ bool AppDelegate::isActionEnabledWithoutWindow(BrowserAction action) const
     }
 }
 
-void AppDelegate::openURLFromOutside(const std::string& url)
+void AppDelegate::openFromOutside(const LaunchRequest& request)
 {
-    auto target = UrlHelper::startupTarget(url);
-    if (!target) {
+    if (request.privateWindow || request.newWindow) {
+        bool isPrivate = request.privateWindow;
+        openWindowWith(request.urls.empty() ? std::vector { newTabPage(isPrivate) } : request.urls, isPrivate, nullptr);
         return;
     }
     MainWindow* window = keyWindow();
     if (window && window->isPrivate()) {
         window = WindowRegistry::shared().firstOrdinaryWindow().get();
     }
-    if (!window) {
-        openWindow(*target, nullptr);
-        return;
+    if (request.urls.empty()) {
+        if (window) {
+            window->makeKeyAndOrderFront();
+        } else {
+            reopenWindow(false);
+        }
+    } else if (!window) {
+        openWindowWith(request.urls, false, nullptr);
+    } else {
+        installAll(*window, request.urls);
+        window->makeKeyAndOrderFront();
     }
-    window->install(BrowserTab::create(*target, false), true);
-    window->makeKeyAndOrderFront();
 }
 
 void AppDelegate::reopenWindow(bool isPrivate)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/BrowserAction.h"
+#include "core/LaunchRequest.h"
 
 #include <deque>
 #include <optional>
@@ -29,14 +30,16 @@ public:
     const std::deque<std::string>& closedTabs() const { return m_closedTabs; }
 
     // The launch order's part that opens windows: the zoom from the vault, the location switch watch, the
-    // first windows, the periodic session capture.
-    void applicationDidFinishLaunching(const std::vector<std::string>& arguments);
+    // first windows (what the command line asked for, else the saved session), the periodic session capture.
+    void applicationDidFinishLaunching(const LaunchRequest& request);
     // The quit order: the last session capture, every window's browsers asked to close, then the vault and
     // the history written before the process goes.
     void applicationWillTerminate();
 
     MainWindow& openWindow(const std::string& url, const MainWindow* cascadingFrom);
     MainWindow& openPrivateWindow(const MainWindow* cascadingFrom);
+    // A window with a tab for each address (at least one), the first active.
+    MainWindow& openWindowWith(const std::vector<std::string>& urls, bool isPrivate, const MainWindow* cascadingFrom);
     void rememberClosedTab(const std::string& url);
     void reopenClosedTab(MainWindow* in);
     void setZoom(double level, const MainWindow* from);
@@ -45,20 +48,18 @@ public:
     void performBrowserAction(BrowserAction action);
     bool isActionEnabledWithoutWindow(BrowserAction action) const;
 
-    // A URL handed over by a second launch: a new tab of the front window, or a new window.
-    void openURLFromOutside(const std::string& url);
+    // What a second launch handed over: its addresses as new tabs of the front ordinary window (the first
+    // of them active), or a new window (--new-window) or private window (--private-window) of them; without
+    // addresses such a window opens at the new-tab page, and a plain launch brings Velder to the front.
+    void openFromOutside(const LaunchRequest& request);
     // The desktop asked for a window while Velder runs (a launch without a URL, the launcher's actions).
     void reopenWindow(bool isPrivate);
-
-    // The start-up URL of a command line: the first argument after the program's name that doesn't
-    // begin with "-", through UrlHelper::startupTarget.
-    static std::optional<std::string> startupURL(const std::vector<std::string>& arguments);
 
     // The key window if it is a browser window.
     static MainWindow* keyWindow();
 
 private:
-    void openFirstWindows(const std::vector<std::string>& arguments);
+    void openFirstWindows(const LaunchRequest& request);
 
     std::deque<std::string> m_closedTabs;
 };

@@ -1,0 +1,25 @@
+#include "core/LaunchRequest.h"
+
+#include "core/UrlHelper.h"
+
+namespace velder {
+
+LaunchRequest LaunchRequest::parse(const std::vector<std::string>& arguments)
+{
+    LaunchRequest request;
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        if (argument == "--new-window") {
+            request.newWindow = true;
+        } else if (argument == "--private-window") {
+            request.privateWindow = true;
+        } else if (!argument.starts_with("-")) {
+            if (auto url = UrlHelper::startupTarget(argument)) {
+                request.urls.push_back(*url);
+            }
+        }
+    }
+    return request;
+}
+
+} // namespace velder
