@@ -1,39 +1,6 @@
 #include "BridgeTest.h"
 
-#include <algorithm>
-
 namespace velder::test {
-
-bool RecordingDelegate::hasEvent(const std::string& event) const
-{
-    return std::find(events.begin(), events.end(), event) != events.end();
-}
-
-bool RecordingDelegate::sawAddress(const std::string& url) const
-{
-    return std::find(addresses.begin(), addresses.end(), url) != addresses.end();
-}
-
-bool RecordingDelegate::isIdleAt(const std::string& url) const
-{
-    return !addresses.empty() && addresses.back() == url && !loadingStates.empty() && !loadingStates.back();
-}
-
-namespace {
-
-bool engineStarted = false;
-
-} // namespace
-
-bool BridgeTest::engineWasStartedInThisProcess()
-{
-    return engineStarted;
-}
-
-void BridgeTest::noteEngineStarted()
-{
-    engineStarted = true;
-}
 
 int BridgeTest::freeLoopbackPort()
 {

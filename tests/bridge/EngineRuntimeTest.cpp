@@ -95,7 +95,7 @@ TEST(EngineRuntimeTest, EngineLogAndVelderLinesGoTheirOwnWays)
     dup2(pipeEnds[1], STDERR_FILENO);
 
     std::string error;
-    BridgeTest::noteEngineStarted();
+    BridgeTest::engineStarted = true;
     bool started = VLDEngineRuntime::start({ "velder" }, &error);
     bool startedAgain = VLDEngineRuntime::start({ "velder" }, &error);
     g_log("EngineTest", G_LOG_LEVEL_WARNING, "a warning of the engine");
@@ -131,14 +131,14 @@ TEST(EngineRuntimeTest, EngineLogAndVelderLinesGoTheirOwnWays)
 // With --remote-debugging-port=N the engine's inspector answers on 127.0.0.1:N and lists the page.
 TEST(EngineRuntimeTest, RemoteInspectorListensOnLoopback)
 {
-    if (BridgeTest::engineWasStartedInThisProcess()) {
+    if (BridgeTest::engineStarted) {
         GTEST_SKIP() << "the engine reads the inspector's address once per process; run this test on its own";
     }
     TestProfile profile;
     TestServer server;
     server.route("/inspected", TestResponse::html("<title>Inspected page</title>"));
     int port = BridgeTest::freeLoopbackPort();
-    BridgeTest::noteEngineStarted();
+    BridgeTest::engineStarted = true;
     std::string error;
     ASSERT_TRUE(VLDEngineRuntime::start({ "velder", "--remote-debugging-port=" + std::to_string(port) }, &error));
     auto view = VLDBrowserView::create(server.url("/inspected"));

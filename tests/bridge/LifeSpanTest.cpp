@@ -28,9 +28,7 @@ protected:
 // itself is torn down as a close the owner asked for, and the opener stays.
 TEST_F(LifeSpanTest, PopupsBecomeHostViewsTheOwnerSupplies)
 {
-    if (!RealInput::available()) {
-        GTEST_SKIP() << "needs XTest";
-    }
+    SKIP_WITHOUT_REAL_INPUT();
     std::string opener = "<button id=open " + std::string(bigButton)
         + " onclick=\"window.open(window.target, '_blank')\">open</button>"
           "<script>window.target = '/refused'; window.open('/unasked', '_blank');</script>";
@@ -118,9 +116,7 @@ TEST_F(LifeSpanTest, CloseTearsDownAndEndsThePage)
 // asks a page about leaving only when it has an unload handler and the user has touched it.
 TEST_F(LifeSpanTest, APageThatAsksToStayStaysAndAHungOneIsClosed)
 {
-    if (!RealInput::available()) {
-        GTEST_SKIP() << "needs XTest";
-    }
+    SKIP_WITHOUT_REAL_INPUT();
     struct Row {
         const char* name;
         const char* onClick;

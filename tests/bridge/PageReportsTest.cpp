@@ -72,9 +72,7 @@ TEST_F(PageReportsTest, NavigationDecisionsAreForTheMainFrame)
 // without a popup. A link the page itself aims at a new window asks for a popup host instead.
 TEST_F(PageReportsTest, NewTabClicks)
 {
-    if (!RealInput::available()) {
-        GTEST_SKIP() << "needs XTest";
-    }
+    SKIP_WITHOUT_REAL_INPUT();
     std::string links = "<a id=plain href='/t1' style='font-size:40px'>one</a><br>"
                         "<a id=blank href='/t2' target=_blank style='font-size:40px'>two</a>";
     m_server->route("/links", TestResponse::html(page("Links", links)));
@@ -190,9 +188,7 @@ TEST_F(PageReportsTest, FindCountsMatchesAndTheActiveOne)
 // steps: matches lie before and after the press.
 TEST_F(PageReportsTest, TheActiveMatchIsTheOneSelectedAfterAPressInThePage)
 {
-    if (!RealInput::available()) {
-        GTEST_SKIP() << "needs XTest";
-    }
+    SKIP_WITHOUT_REAL_INPUT();
     std::string body;
     for (int n = 1; n <= 6; ++n) {
         body += "<p id=m" + std::to_string(n) + " style='font-size:30px'>foo " + std::to_string(n) + "</p>";
@@ -241,9 +237,7 @@ TEST_F(PageReportsTest, TheActiveMatchIsTheOneSelectedAfterAPressInThePage)
 // What was under the pointer: the link, the page, the selected text and whether it was editable.
 TEST_F(PageReportsTest, ContextMenuInfo)
 {
-    if (!RealInput::available()) {
-        GTEST_SKIP() << "needs XTest";
-    }
+    SKIP_WITHOUT_REAL_INPUT();
     std::string body
         = "<p><a id=link href='/elsewhere' style='font-size:40px'>a link</a></p>"
           "<p style='font-size:40px'>some <span id=word>words</span> here</p><input id=field style='width:300px'>";
