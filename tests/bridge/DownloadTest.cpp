@@ -8,25 +8,15 @@
 
 namespace velder::test {
 
-namespace {
-
-const std::string fileBody(1000, 'x');
-
-TestResponse attachment(const std::string& name)
-{
-    return { 200, "application/octet-stream", fileBody,
-        { { "Content-Disposition", "attachment; filename=\"" + name + "\"" } } };
-}
-
-} // namespace
-
 class DownloadTest : public BridgeTest {
 protected:
     void SetUp() override
     {
         BridgeTest::SetUp();
         m_server->route("/start", TestResponse::html("<title>Start</title>"));
-        m_server->route("/file.bin", attachment("report:1.bin"));
+        m_server->route("/file.bin",
+            TestResponse { 200, "application/octet-stream", std::string(1000, 'x'),
+                { { "Content-Disposition", "attachment; filename=\"report:1.bin\"" } } });
         m_delegate = std::make_shared<RecordingDelegate>();
         m_view = openLoaded(m_server->url("/start"), m_delegate);
     }
