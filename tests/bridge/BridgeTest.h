@@ -2,7 +2,6 @@
 
 #include "PageProbe.h"
 #include "bridge/VLDBrowserView.h"
-#include "bridge/VLDBrowserViewImpl.h"
 #include "bridge/VLDEngineRuntime.h"
 #include "bridge/VLDPermissionRequest.h"
 #include "support/MainLoop.h"
@@ -196,7 +195,7 @@ class BridgeTest : public ::testing::Test {
 public:
     // Whether a test of this process started the engine already (some of its settings are read once).
     static inline bool engineStarted = false;
-    // A port on 127.0.0.1 that nothing listens on: bound, then closed.
+    // A port on 127.0.0.1 that nothing listens on: a test server's, once it has gone.
     static int freeLoopbackPort();
 
 protected:
