@@ -1,54 +1,10 @@
 #include "BridgeTest.h"
 
-#include <algorithm>
-
 namespace velder::test {
-
-bool RecordingDelegate::hasEvent(const std::string& event) const
-{
-    return std::find(events.begin(), events.end(), event) != events.end();
-}
-
-bool RecordingDelegate::sawAddress(const std::string& url) const
-{
-    return std::find(addresses.begin(), addresses.end(), url) != addresses.end();
-}
-
-bool RecordingDelegate::isIdleAt(const std::string& url) const
-{
-    return !addresses.empty() && addresses.back() == url && !loadingStates.empty() && !loadingStates.back();
-}
-
-namespace {
-
-bool engineStarted = false;
-
-} // namespace
-
-bool BridgeTest::engineWasStartedInThisProcess()
-{
-    return engineStarted;
-}
-
-void BridgeTest::noteEngineStarted()
-{
-    engineStarted = true;
-}
 
 int BridgeTest::freeLoopbackPort()
 {
-    GSocket* socket = g_socket_new(G_SOCKET_FAMILY_IPV4, G_SOCKET_TYPE_STREAM, G_SOCKET_PROTOCOL_TCP, nullptr);
-    GInetAddress* loopback = g_inet_address_new_loopback(G_SOCKET_FAMILY_IPV4);
-    GSocketAddress* address = g_inet_socket_address_new(loopback, 0);
-    g_socket_bind(socket, address, TRUE, nullptr);
-    GSocketAddress* bound = g_socket_get_local_address(socket, nullptr);
-    int port = g_inet_socket_address_get_port(G_INET_SOCKET_ADDRESS(bound));
-    g_object_unref(bound);
-    g_object_unref(address);
-    g_object_unref(loopback);
-    g_socket_close(socket, nullptr);
-    g_object_unref(socket);
-    return port;
+    return TestServer().port();
 }
 
 void BridgeTest::SetUp()

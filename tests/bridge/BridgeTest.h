@@ -2,7 +2,6 @@
 
 #include "PageProbe.h"
 #include "bridge/VLDBrowserView.h"
-#include "bridge/VLDBrowserViewImpl.h"
 #include "bridge/VLDEngineRuntime.h"
 #include "bridge/VLDPermissionRequest.h"
 #include "support/MainLoop.h"
@@ -10,6 +9,7 @@
 #include "support/TestServer.h"
 #include "support/TestSupport.h"
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <gtest/gtest.h>
@@ -25,6 +25,11 @@ using PageProbe::callInWorld;
 using PageProbe::clickElement;
 using PageProbe::evaluate;
 using PageProbe::webViewOf;
+
+// For a test that needs real input (see RealInput).
+#define SKIP_WITHOUT_REAL_INPUT()                                                                                      \
+    if (!RealInput::available())                                                                                       \
+    GTEST_SKIP() << "needs XTest"
 
 // A page with a title, a body and, if given, more of a head.
 std::string page(const std::string& title, const std::string& body = {}, const std::string& head = {});
@@ -177,18 +182,20 @@ public:
         return false;
     }
 
-    bool hasEvent(const std::string& event) const;
-    bool sawAddress(const std::string& url) const;
-    bool isIdleAt(const std::string& url) const;
+    bool hasEvent(const std::string& event) const { return std::ranges::find(events, event) != events.end(); }
+    bool sawAddress(const std::string& url) const { return std::ranges::find(addresses, url) != addresses.end(); }
+    bool isIdleAt(const std::string& url) const
+    {
+        return !addresses.empty() && addresses.back() == url && !loadingStates.empty() && !loadingStates.back();
+    }
 };
 
 // Each test: its own profile, the engine started, a loopback server, and windows that go at the end.
 class BridgeTest : public ::testing::Test {
 public:
     // Whether a test of this process started the engine already (some of its settings are read once).
-    static bool engineWasStartedInThisProcess();
-    static void noteEngineStarted();
-    // A port on 127.0.0.1 that nothing listens on: bound, then closed.
+    static inline bool engineStarted = false;
+    // A port on 127.0.0.1 that nothing listens on: a test server's, once it has gone.
     static int freeLoopbackPort();
 
 protected:

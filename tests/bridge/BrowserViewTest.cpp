@@ -9,8 +9,8 @@ namespace velder::test {
 
 class BrowserViewTest : public BridgeTest { };
 
-// The browser comes with the first placement in a window, takes the last URL and zoom given before it, and a
-// second placement makes no second browser.
+// The browser comes with the first placement in a window (until then nothing is requested), takes the last URL
+// and zoom given before it, and a second placement makes no second browser.
 TEST_F(BrowserViewTest, BrowserIsCreatedOncePlacedInAWindowWithWhatWasGivenBefore)
 {
     m_server->route("/first", TestResponse::html(page("First")));
@@ -20,14 +20,14 @@ TEST_F(BrowserViewTest, BrowserIsCreatedOncePlacedInAWindowWithWhatWasGivenBefor
     m_views.push_back(view);
     view->setDelegate(delegate);
 
-    runMainLoopFor(50ms);
+    runMainLoopFor(300ms);
     EXPECT_FALSE(view->hasBrowser());
+    EXPECT_TRUE(m_server->requests().empty());
     view->loadURL(m_server->url("/second"));
     view->loadURL("");
     view->setZoomLevel(2.0);
     view->goBack();
     view->findText("x", true, false, false);
-    EXPECT_EQ(view->zoomLevel(), 2.0);
     EXPECT_FALSE(view->hasBrowser());
 
     GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
@@ -42,7 +42,6 @@ TEST_F(BrowserViewTest, BrowserIsCreatedOncePlacedInAWindowWithWhatWasGivenBefor
         [&] { return delegate->isIdleAt(m_server->url("/second")) && view->pageTitle() == "Second"; }));
     EXPECT_FALSE(m_server->received("/first"));
     EXPECT_EQ(view->currentURL(), m_server->url("/second"));
-    EXPECT_EQ(view->pageTitle(), "Second");
     EXPECT_TRUE(delegate->findResults.empty()) << "a find before the browser isn't remembered";
 
     // Out of the window and into another: still the same browser.
@@ -57,16 +56,6 @@ TEST_F(BrowserViewTest, BrowserIsCreatedOncePlacedInAWindowWithWhatWasGivenBefor
 
     view->setZoomLevel(0.0);
     EXPECT_NEAR(webkit_web_view_get_zoom_level(first), 1.0, 1e-9);
-}
-
-TEST_F(BrowserViewTest, AViewNeverPlacedInAWindowMakesNoBrowserAndNoRequest)
-{
-    m_server->route("/never", TestResponse::html(page("Never")));
-    auto view = VLDBrowserView::create(m_server->url("/never"));
-    m_views.push_back(view);
-    runMainLoopFor(300ms);
-    EXPECT_FALSE(view->hasBrowser());
-    EXPECT_TRUE(m_server->requests().empty());
 }
 
 // Address, title and loading state reach the delegate as the page loads, and the history buttons follow.

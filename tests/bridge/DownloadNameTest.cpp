@@ -2,7 +2,6 @@
 #include "bridge/VLDDownloadItem.h"
 #include "support/TestSupport.h"
 
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <set>
 
@@ -23,16 +22,9 @@ TEST(DownloadNameTest, SanitisedFilenames)
         { "empty", "", "download" },
         { "plain", "report.pdf", "report.pdf" },
         { "slash, colon and backslash", "a/b:c\\d.txt", "a_b_c_d.txt" },
-        { "each one an underscore", "//", "__" },
         { "control characters", "a\tb\nc.txt", "a_b_c.txt" },
-        { "an invisible format character",
-            "a\xE2\x80\x8B"
-            "b",
-            "a_b" },
-        { "a byte that isn't UTF-8",
-            "a\xFF"
-            "b",
-            "a_b" },
+        { "an invisible format character", "a\xE2\x80\x8Bz", "a_z" },
+        { "a byte that isn't UTF-8", "a\xFFz", "a_z" },
         { "blanks at the ends", "  name.txt \xE2\x80\x83", "name.txt" },
         { "leading dots", "...hidden", "hidden" },
         { "blanks then dots", "  ..x", "x" },
@@ -82,14 +74,11 @@ TEST(DownloadNameTest, NamesNumberOnAndRunOut)
         EXPECT_EQ(DownloadName::first("/d", row.file, free), row.expected);
     }
 
+    // A reserved name is taken at once (same-name downloads show it numbering on); a "folder" that is a file
+    // can hold no name.
     TempDir folder;
     auto first = DownloadName::reserve(folder.path(), "r.pdf");
-    auto second = DownloadName::reserve(folder.path(), "r.pdf");
-    ASSERT_TRUE(first && second);
-    EXPECT_EQ(*first, folder.path() + "/r.pdf");
-    EXPECT_EQ(*second, folder.path() + "/r (2).pdf");
-    EXPECT_EQ(std::filesystem::file_size(*second), 0u);
-    // A "folder" that is a file can hold no name.
+    ASSERT_EQ(first, folder.path() + "/r.pdf");
     EXPECT_EQ(DownloadName::reserve(*first, "r.pdf"), std::nullopt);
 }
 

@@ -6,24 +6,10 @@
 #include "core/Log.h"
 
 #include <fcntl.h>
-#include <fstream>
-#include <sstream>
 #include <thread>
 #include <unistd.h>
 
 namespace velder::test {
-
-namespace {
-
-std::string readText(const std::string& path)
-{
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-} // namespace
 
 TEST(EngineRuntimeTest, RemoteDebuggingPortFromTheArguments)
 {
@@ -37,12 +23,10 @@ TEST(EngineRuntimeTest, RemoteDebuggingPortFromTheArguments)
         { "one", { "velder", "--remote-debugging-port=9222" }, 9222 },
         { "an invalid one after a valid one", { "--remote-debugging-port=9222", "--remote-debugging-port=0" }, 9222 },
         { "the last valid wins", { "--remote-debugging-port=9222", "--remote-debugging-port=9333" }, 9333 },
-        { "the limits", { "--remote-debugging-port=65535" }, 65535 },
-        { "one", { "--remote-debugging-port=1" }, 1 },
+        { "the highest", { "--remote-debugging-port=65535" }, 65535 },
+        { "the lowest", { "--remote-debugging-port=1" }, 1 },
         { "above the limit", { "--remote-debugging-port=65536" }, std::nullopt },
-        { "not a number", { "--remote-debugging-port=abc" }, std::nullopt },
-        { "a number with more", { "--remote-debugging-port=92x" }, std::nullopt },
-        { "negative", { "--remote-debugging-port=-5" }, std::nullopt },
+        { "not a number, though it starts as one", { "--remote-debugging-port=92x" }, std::nullopt },
         { "empty", { "--remote-debugging-port=" }, std::nullopt },
         { "far too long", { "--remote-debugging-port=000000009222" }, std::nullopt },
         { "another switch", { "--remote-debugging-portal=9222", "http://127.0.0.1/" }, std::nullopt },
@@ -95,7 +79,7 @@ TEST(EngineRuntimeTest, EngineLogAndVelderLinesGoTheirOwnWays)
     dup2(pipeEnds[1], STDERR_FILENO);
 
     std::string error;
-    BridgeTest::noteEngineStarted();
+    BridgeTest::engineStarted = true;
     bool started = VLDEngineRuntime::start({ "velder" }, &error);
     bool startedAgain = VLDEngineRuntime::start({ "velder" }, &error);
     g_log("EngineTest", G_LOG_LEVEL_WARNING, "a warning of the engine");
@@ -119,7 +103,8 @@ TEST(EngineRuntimeTest, EngineLogAndVelderLinesGoTheirOwnWays)
     ASSERT_TRUE(started) << error;
     EXPECT_TRUE(startedAgain);
     EXPECT_FALSE(VLDEngineRuntime::isStarted());
-    std::string engineLog = readText(AppInfo::engineLogFile());
+    auto engineLogBytes = readBytes(AppInfo::engineLogFile());
+    std::string engineLog(engineLogBytes.begin(), engineLogBytes.end());
     EXPECT_NE(engineLog.find("a warning of the engine"), std::string::npos);
     EXPECT_EQ(engineLog.find("chatter of the engine"), std::string::npos);
     EXPECT_EQ(engineLog.find("Velder: "), std::string::npos);
@@ -131,14 +116,14 @@ TEST(EngineRuntimeTest, EngineLogAndVelderLinesGoTheirOwnWays)
 // With --remote-debugging-port=N the engine's inspector answers on 127.0.0.1:N and lists the page.
 TEST(EngineRuntimeTest, RemoteInspectorListensOnLoopback)
 {
-    if (BridgeTest::engineWasStartedInThisProcess()) {
+    if (BridgeTest::engineStarted) {
         GTEST_SKIP() << "the engine reads the inspector's address once per process; run this test on its own";
     }
     TestProfile profile;
     TestServer server;
     server.route("/inspected", TestResponse::html("<title>Inspected page</title>"));
     int port = BridgeTest::freeLoopbackPort();
-    BridgeTest::noteEngineStarted();
+    BridgeTest::engineStarted = true;
     std::string error;
     ASSERT_TRUE(VLDEngineRuntime::start({ "velder", "--remote-debugging-port=" + std::to_string(port) }, &error));
     auto view = VLDBrowserView::create(server.url("/inspected"));
@@ -147,33 +132,23 @@ TEST(EngineRuntimeTest, RemoteInspectorListensOnLoopback)
     gtk_window_present(GTK_WINDOW(window));
     ASSERT_TRUE(runMainLoopUntil([&] { return view->pageTitle() == "Inspected page"; }, 10s));
 
-    SoupSession* session = soup_session_new();
+    // The listing is served on this main loop: fetch it from a thread of its own while the loop runs.
     std::string listing;
-    bool done = false;
     auto fetch = [&] {
-        done = false;
-        std::string url = "http://127.0.0.1:" + std::to_string(port) + "/";
-        SoupMessage* message = soup_message_new("GET", url.c_str());
-        struct State {
-            std::string* listing;
-            bool* done;
-        };
-        soup_session_send_and_read_async(
-            session, message, G_PRIORITY_DEFAULT, nullptr,
-            [](GObject* source, GAsyncResult* result, gpointer data) {
-                std::unique_ptr<State> state(static_cast<State*>(data));
-                GBytes* bytes = soup_session_send_and_read_finish(SOUP_SESSION(source), result, nullptr);
-                if (bytes) {
-                    gsize size = 0;
-                    const char* text = static_cast<const char*>(g_bytes_get_data(bytes, &size));
-                    state->listing->assign(text, size);
-                    g_bytes_unref(bytes);
-                }
-                *state->done = true;
-            },
-            new State { &listing, &done });
-        g_object_unref(message);
-        runMainLoopUntil([&] { return done; }, 5s);
+        std::atomic<bool> done = false;
+        std::thread worker([&] {
+            SoupSession* session = soup_session_new_with_options("timeout", 5, nullptr);
+            SoupMessage* message = soup_message_new("GET", ("http://127.0.0.1:" + std::to_string(port) + "/").c_str());
+            if (GBytes* bytes = soup_session_send_and_read(session, message, nullptr, nullptr)) {
+                listing.assign(static_cast<const char*>(g_bytes_get_data(bytes, nullptr)), g_bytes_get_size(bytes));
+                g_bytes_unref(bytes);
+            }
+            g_object_unref(message);
+            g_object_unref(session);
+            done = true;
+        });
+        runMainLoopUntil([&] { return done.load(); }, 10s);
+        worker.join();
     };
     EXPECT_TRUE(runMainLoopUntil(
         [&] {
@@ -183,7 +158,6 @@ TEST(EngineRuntimeTest, RemoteInspectorListensOnLoopback)
         },
         10s))
         << listing;
-    g_object_unref(session);
     gtk_window_destroy(GTK_WINDOW(window));
     view.reset();
     VLDEngineRuntime::shutdown();

@@ -28,8 +28,6 @@ TEST(InternalAddressTest, OnlyVelderPagesLeadToVelderPages)
         SCOPED_TRACE(row.name);
         EXPECT_EQ(VLDInternalAddress::mayNavigate(row.current, row.target, row.isRedirect), row.allowed);
     }
-    EXPECT_EQ(VLDInternalAddress::refusalLine("velder://history/?clear=1"),
-        "Velder: refused velder:// address from web content: velder://history/?clear=1");
 }
 
 } // namespace velder::test

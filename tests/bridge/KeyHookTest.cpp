@@ -11,9 +11,7 @@ class KeyHookTest : public BridgeTest { };
 // takes never reaches the page, and one it leaves is offered once, although the engine sends it round again.
 TEST_F(KeyHookTest, KeysReachTheOwnerBeforeThePage)
 {
-    if (!RealInput::available()) {
-        GTEST_SKIP() << "needs XTest";
-    }
+    SKIP_WITHOUT_REAL_INPUT();
     std::string page = "<!doctype html><title>Keys</title><body><script>window.seen = [];"
                        "addEventListener('keydown', e => seen.push(e.key.toLowerCase()));</script></body>";
     m_server->route("/keys", TestResponse::html(page));

@@ -10,27 +10,14 @@ const char* bigButton = "style='font-size:40px;width:400px;height:100px'";
 
 } // namespace
 
-class LifeSpanTest : public BridgeTest {
-protected:
-    // A popup host of its own in a window, as the window layer makes one for a popup.
-    std::shared_ptr<VLDBrowserView> popupHostInWindow(const std::shared_ptr<RecordingDelegate>& delegate)
-    {
-        auto host = VLDBrowserView::popupHostView();
-        host->setDelegate(delegate);
-        m_views.push_back(host);
-        showInWindow(host->widget());
-        return host;
-    }
-};
+class LifeSpanTest : public BridgeTest { };
 
 // A page that opens a window on a click asks the owner for a host, and the popup loads there, in the
 // opener's session; without a gesture, or with the owner's refusal, no popup comes. A popup that closes
 // itself is torn down as a close the owner asked for, and the opener stays.
 TEST_F(LifeSpanTest, PopupsBecomeHostViewsTheOwnerSupplies)
 {
-    if (!RealInput::available()) {
-        GTEST_SKIP() << "needs XTest";
-    }
+    SKIP_WITHOUT_REAL_INPUT();
     std::string opener = "<button id=open " + std::string(bigButton)
         + " onclick=\"window.open(window.target, '_blank')\">open</button>"
           "<script>window.target = '/refused'; window.open('/unasked', '_blank');</script>";
@@ -53,7 +40,11 @@ TEST_F(LifeSpanTest, PopupsBecomeHostViewsTheOwnerSupplies)
     bool gesture = false;
     delegate->popupHost = [&](const std::string&, bool isUserGesture) {
         gesture = isUserGesture;
-        host = popupHostInWindow(popupDelegate);
+        // A popup host of its own in a window, as the window layer makes one for a popup.
+        host = VLDBrowserView::popupHostView();
+        host->setDelegate(popupDelegate);
+        m_views.push_back(host);
+        showInWindow(host->widget());
         return host;
     };
     evaluate(*view, "window.target = '/popup'; 1");
@@ -61,11 +52,7 @@ TEST_F(LifeSpanTest, PopupsBecomeHostViewsTheOwnerSupplies)
     ASSERT_TRUE(runMainLoopUntil([&] { return host && popupDelegate->isIdleAt(m_server->url("/popup")); }));
     ASSERT_TRUE(runMainLoopUntil([&] { return host->pageTitle() == "Popup"; }));
     EXPECT_TRUE(gesture);
-    EXPECT_TRUE(delegate->hasEvent("popup:" + m_server->url("/popup")));
     EXPECT_TRUE(delegate->hasEvent("didCreatePopup:" + std::to_string(host->identifier())));
-    EXPECT_TRUE(host->hasBrowser());
-    EXPECT_TRUE(host->isPopupHost());
-    EXPECT_EQ(popupDelegate->events.front(), "created");
     EXPECT_EQ(
         webkit_web_view_get_network_session(webViewOf(*host)), webkit_web_view_get_network_session(webViewOf(*view)));
     EXPECT_FALSE(m_server->received("/unasked"));
@@ -118,9 +105,7 @@ TEST_F(LifeSpanTest, CloseTearsDownAndEndsThePage)
 // asks a page about leaving only when it has an unload handler and the user has touched it.
 TEST_F(LifeSpanTest, APageThatAsksToStayStaysAndAHungOneIsClosed)
 {
-    if (!RealInput::available()) {
-        GTEST_SKIP() << "needs XTest";
-    }
+    SKIP_WITHOUT_REAL_INPUT();
     struct Row {
         const char* name;
         const char* onClick;

@@ -7,27 +7,16 @@
 
 namespace velder::test {
 
-namespace {
-
-struct LoadErrorCase {
-    const char* name;
-    GQuark domain;
-    int code;
-    bool committed;
-    unsigned redirects;
-    std::int32_t expected;
-};
-
-struct CertificateCase {
-    const char* name;
-    unsigned flags;
-    std::int32_t expected;
-};
-
-} // namespace
-
 TEST(NetworkErrorsTest, LoadErrorsBecomeNetworkErrorNumbers)
 {
+    struct LoadErrorCase {
+        const char* name;
+        GQuark domain;
+        int code;
+        bool committed;
+        unsigned redirects;
+        std::int32_t expected;
+    };
     const LoadErrorCase cases[] = {
         { "stop or replaced load", WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED, false, 0, -3 },
         { "became a download or was refused", WEBKIT_POLICY_ERROR,
@@ -57,6 +46,11 @@ TEST(NetworkErrorsTest, LoadErrorsBecomeNetworkErrorNumbers)
 
 TEST(NetworkErrorsTest, RefusedCertificatesNameTheWorstProblem)
 {
+    struct CertificateCase {
+        const char* name;
+        unsigned flags;
+        std::int32_t expected;
+    };
     const CertificateCase cases[] = {
         { "unknown authority", G_TLS_CERTIFICATE_UNKNOWN_CA, -202 },
         { "wrong name", G_TLS_CERTIFICATE_BAD_IDENTITY, -200 },
