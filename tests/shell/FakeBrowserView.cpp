@@ -26,18 +26,10 @@ FakeBrowserView::~FakeBrowserView()
     g_object_unref(m_widget);
 }
 
-std::vector<std::weak_ptr<FakeBrowserView>>& FakeBrowserView::made()
-{
-    static std::vector<std::weak_ptr<FakeBrowserView>> views;
-    return views;
-}
-
 void FakeBrowserView::install()
 {
     BrowserTab::setViewFactory([](const std::string& url, std::shared_ptr<VLDRequestContext>, bool popupHost) {
-        auto view = std::make_shared<FakeBrowserView>(url, popupHost);
-        made().push_back(view);
-        return view;
+        return std::make_shared<FakeBrowserView>(url, popupHost);
     });
 }
 
@@ -67,11 +59,7 @@ void FakeBrowserView::requestClose()
     if (!m_hasBrowser || refusesToUnload) {
         return;
     }
-    finishClose();
-}
-
-void FakeBrowserView::finishClose()
-{
+    // The engine's close: the tear-down request, then the end of the browser.
     if (auto delegate = m_delegate.lock()) {
         delegate->shouldTearDownForClose(*this);
         delegate->willDestroyBrowser(*this);
@@ -82,25 +70,19 @@ void FakeBrowserView::finishClose()
 void FakeBrowserView::reportAddress(const std::string& url)
 {
     m_url = url;
-    if (auto delegate = m_delegate.lock()) {
-        delegate->didChangeAddress(*this, url);
-    }
+    delegate()->didChangeAddress(*this, url);
 }
 
 void FakeBrowserView::reportTitle(const std::string& title)
 {
     m_title = title;
-    if (auto delegate = m_delegate.lock()) {
-        delegate->didChangeTitle(*this, title);
-    }
+    delegate()->didChangeTitle(*this, title);
 }
 
 void FakeBrowserView::reportLoading(bool loading)
 {
     m_loading = loading;
-    if (auto delegate = m_delegate.lock()) {
-        delegate->didChangeLoadingState(*this, loading, false, false);
-    }
+    delegate()->didChangeLoadingState(*this, loading, false, false);
 }
 
 } // namespace velder::test

@@ -15,8 +15,6 @@ public:
     explicit FakeBrowserView(std::string url, bool popupHost = false);
     ~FakeBrowserView() override;
 
-    // Every view made by the fake factory, in order (weakly).
-    static std::vector<std::weak_ptr<FakeBrowserView>>& made();
     static void install(); // makes BrowserTab create fake views
 
     GtkWidget* widget() const override { return m_widget; }
@@ -53,8 +51,6 @@ public:
     void attachBrowser() { m_hasBrowser = true; }
     // When set, requestClose is refused as a page's beforeunload can.
     bool refusesToUnload = false;
-    // Plays the engine's close: the tear-down request, then the end of the browser.
-    void finishClose();
     void reportAddress(const std::string& url);
     void reportTitle(const std::string& title);
     void reportLoading(bool loading);

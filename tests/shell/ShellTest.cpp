@@ -31,7 +31,6 @@ ShellTest::ShellTest(bool fakeViews)
     WindowRegistry::shared().reset();
     AppDelegate::zoomLevel = 0;
     if (fakeViews) {
-        FakeBrowserView::made().clear();
         FakeBrowserView::install();
     } else {
         BrowserTab::setViewFactory(nullptr);
@@ -45,12 +44,6 @@ ShellTest::~ShellTest()
     WindowRegistry::shared().reset();
     delegate.reset();
     runMainLoopFor(std::chrono::milliseconds(20)); // let posted work of closed windows run
-}
-
-std::shared_ptr<FakeBrowserView> ShellTest::fakeView(std::size_t index) const
-{
-    auto& made = FakeBrowserView::made();
-    return index < made.size() ? made[index].lock() : nullptr;
 }
 
 std::shared_ptr<FakeBrowserView> ShellTest::fakeViewOf(const BrowserTab& tab) const

@@ -25,7 +25,6 @@ protected:
     explicit ShellTest(bool fakeViews = true);
     ~ShellTest() override;
 
-    std::shared_ptr<FakeBrowserView> fakeView(std::size_t index) const;
     std::shared_ptr<FakeBrowserView> fakeViewOf(const BrowserTab& tab) const;
 
     ScopedStores stores;
