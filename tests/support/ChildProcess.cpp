@@ -80,24 +80,22 @@ bool ChildProcess::waitForLine(const std::string& text, std::chrono::millisecond
 {
     auto deadline = std::chrono::steady_clock::now() + timeout;
     std::size_t checked = 0;
-    while (std::chrono::steady_clock::now() < deadline) {
+    auto arrived = [&] {
         for (; checked < m_lines.size(); ++checked) {
             if (m_lines[checked].find(text) != std::string::npos) {
                 return true;
             }
         }
+        return false;
+    };
+    while (std::chrono::steady_clock::now() < deadline && !arrived()) {
         readAvailable(50);
         if (m_status || waitpid(m_pid, nullptr, WNOHANG) == m_pid) {
             readAvailable(0);
-            for (; checked < m_lines.size(); ++checked) {
-                if (m_lines[checked].find(text) != std::string::npos) {
-                    return true;
-                }
-            }
-            return false;
+            return arrived();
         }
     }
-    return false;
+    return arrived();
 }
 
 void ChildProcess::signal(int number)
