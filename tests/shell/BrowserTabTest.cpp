@@ -32,18 +32,9 @@ public:
     const std::string& origin() const override { return m_origin; }
     std::uint64_t promptId() const override { return 1; }
     bool isAnswered() const override { return answer.has_value(); }
-    void allow() override
-    {
-        if (!answer) {
-            answer = true;
-        }
-    }
-    void deny() override
-    {
-        if (!answer) {
-            answer = false;
-        }
-    }
+    // The first answer stands, as with the engine's own requests.
+    void allow() override { answer = answer.value_or(true); }
+    void deny() override { answer = answer.value_or(false); }
     std::optional<bool> answer;
 
 private:
