@@ -25,13 +25,6 @@ protected:
         window->makeKeyAndOrderFront();
         return window;
     }
-
-    static bool settled(const MainWindow& window, const Rect& expected)
-    {
-        Rect frame = window.placement().frame();
-        return frame.x == expected.x && frame.y == expected.y && frame.width == expected.width
-            && frame.height == expected.height;
-    }
 };
 
 } // namespace
@@ -44,7 +37,7 @@ TEST_F(SessionTest, CaptureThenRestoreGivesTheSameWindows)
     auto a = openWindow(first, { "https://a.example/", "velder://history/", "about:blank" }, 1);
     auto b = openWindow(second, { "https://b.example/x?y=1" }, 0);
     openWindow({ 10, 10, 800, 600 }, { "https://private.example/" }, 0, true);
-    ASSERT_TRUE(runMainLoopUntil([&] { return settled(*a, first) && settled(*b, second); }));
+    ASSERT_TRUE(runMainLoopUntil([&] { return a->placement().frame() == first && b->placement().frame() == second; }));
 
     WindowRegistry::shared().capture();
     auto saved = Vault::shared().snapshot()->windows;
@@ -59,7 +52,8 @@ TEST_F(SessionTest, CaptureThenRestoreGivesTheSameWindows)
     ASSERT_TRUE(WindowRegistry::shared().restoreSavedSession());
     auto& windows = WindowRegistry::shared().windows;
     ASSERT_EQ(windows.size(), 2u);
-    ASSERT_TRUE(runMainLoopUntil([&] { return settled(*windows[0], first) && settled(*windows[1], second); }));
+    ASSERT_TRUE(runMainLoopUntil(
+        [&] { return windows[0]->placement().frame() == first && windows[1]->placement().frame() == second; }));
     for (std::size_t i = 0; i < 2; ++i) {
         SCOPED_TRACE(i);
         WindowSession again = windows[i]->sessionRecord();
@@ -114,8 +108,6 @@ TEST_F(SessionTest, RestoreFollowsTheSettingAndClampsWhatItReads)
     EXPECT_EQ(windows[0]->activeIndex(), 1u) << "an index past the end selects the last tab";
     EXPECT_EQ(windows[1]->activeIndex(), 0u);
     // A saved 100 by 100 is raised to 400 by 300, and then to the window's own minimum of 560 by 360.
-    EXPECT_EQ(windows[0]->placement().frame().width, 560);
-    EXPECT_EQ(windows[0]->placement().frame().height, 360);
-    EXPECT_EQ(windows[0]->placement().frame().x, 50);
+    EXPECT_EQ(windows[0]->placement().frame(), (Rect { 50, 60, 560, 360 }));
     EXPECT_FALSE(windows[1]->placement().hasOwnPlacement());
 }
