@@ -41,11 +41,6 @@ void FakeBrowserView::loadURL(const std::string& url)
     loaded.push_back(url);
 }
 
-void FakeBrowserView::findText(const std::string& text, bool forward, bool, bool findNext)
-{
-    commands.push_back("find " + text + (forward ? " forward" : " backward") + (findNext ? " next" : ""));
-}
-
 void FakeBrowserView::fetchIconAtURL(
     const std::string& url, std::uint64_t, std::function<void(std::optional<std::vector<std::uint8_t>>)> completion)
 {

@@ -38,7 +38,10 @@ public:
     void reloadIgnoringCache() override { commands.push_back("reloadIgnoringCache"); }
     void stopLoading() override { commands.push_back("stopLoading"); }
     void setBrowserFocus(bool focus) override { commands.push_back(focus ? "focus" : "unfocus"); }
-    void findText(const std::string& text, bool forward, bool, bool findNext) override;
+    void findText(const std::string& text, bool forward, bool, bool findNext) override
+    {
+        commands.push_back("find " + text + (forward ? " forward" : " backward") + (findNext ? " next" : ""));
+    }
     void stopFindingAndClearSelection(bool) override { commands.push_back("stopFinding"); }
     void showDevTools() override { commands.push_back("showDevTools"); }
     void startDownload(const std::string& url) override { commands.push_back("download " + url); }
