@@ -4,7 +4,6 @@
 #include <dlfcn.h>
 #include <functional>
 #include <gdk/x11/gdkx.h>
-#include <vector>
 
 namespace velder::test::RealInput {
 
@@ -61,15 +60,6 @@ void typeKey(Display* display, unsigned keyval, std::initializer_list<unsigned> 
     XSync(display, False);
 }
 
-} // namespace
-
-bool available()
-{
-    return xDisplay() && xtest();
-}
-
-namespace {
-
 // Raises the widget's toplevel X window, gives it the keyboard and brings the pointer onto (x, y) of the
 // widget (other windows may have come and gone over the same place since the last test), then makes the
 // gesture with the modifier keys held.
@@ -110,6 +100,11 @@ void gesture(GtkWidget* widget, double x, double y, std::initializer_list<unsign
 }
 
 } // namespace
+
+bool available()
+{
+    return xDisplay() && xtest();
+}
 
 void click(GtkWidget* widget, double x, double y, unsigned button, std::initializer_list<unsigned> modifiers)
 {
