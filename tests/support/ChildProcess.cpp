@@ -1,5 +1,7 @@
 #include "support/ChildProcess.h"
 
+#include "support/TestSupport.h"
+
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -28,11 +30,7 @@ ChildProcess::ChildProcess(
         close(pipeFds[0]);
         close(pipeFds[1]);
         for (const auto& [name, value] : environment) {
-            if (value) {
-                setenv(name.c_str(), value->c_str(), 1);
-            } else {
-                unsetenv(name.c_str());
-            }
+            setEnv(name, value);
         }
         std::vector<char*> argv;
         for (const auto& argument : arguments) {

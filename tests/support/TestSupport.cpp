@@ -26,26 +26,27 @@ TempDir::~TempDir()
     fs::remove_all(m_path, ignored);
 }
 
+void setEnv(const std::string& name, const std::optional<std::string>& value)
+{
+    if (value) {
+        setenv(name.c_str(), value->c_str(), 1);
+    } else {
+        unsetenv(name.c_str());
+    }
+}
+
 ScopedEnv::ScopedEnv(std::string name, std::optional<std::string> value)
     : m_name(std::move(name))
 {
     if (const char* old = std::getenv(m_name.c_str())) {
         m_old = old;
     }
-    if (value) {
-        setenv(m_name.c_str(), value->c_str(), 1);
-    } else {
-        unsetenv(m_name.c_str());
-    }
+    setEnv(m_name, value);
 }
 
 ScopedEnv::~ScopedEnv()
 {
-    if (m_old) {
-        setenv(m_name.c_str(), m_old->c_str(), 1);
-    } else {
-        unsetenv(m_name.c_str());
-    }
+    setEnv(m_name, m_old);
 }
 
 TestProfile::TestProfile()

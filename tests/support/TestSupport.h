@@ -2,9 +2,7 @@
 
 #include "core/SymmetricKey.h"
 
-#include <chrono>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,6 +24,9 @@ public:
 private:
     std::string m_path;
 };
+
+// Sets an environment variable, or unsets it with nullopt.
+void setEnv(const std::string& name, const std::optional<std::string>& value);
 
 // Sets an environment variable (or unsets it, with nullopt) and restores the old value when it goes.
 class ScopedEnv {
