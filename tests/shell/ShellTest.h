@@ -6,10 +6,7 @@
 #include "support/MainLoop.h"
 #include "support/ScopedStores.h"
 
-#include <chrono>
-#include <functional>
 #include <gtest/gtest.h>
-#include <gtk/gtk.h>
 #include <memory>
 
 namespace velder {
