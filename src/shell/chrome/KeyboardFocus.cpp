@@ -39,16 +39,21 @@ void redraw(GtkEventControllerFocus* focus, gpointer)
 void left(GtkEventControllerFocus* focus, gpointer)
 {
     GtkWidget* widget = gtk_event_controller_get_widget(GTK_EVENT_CONTROLLER(focus));
-    g_object_set_data(G_OBJECT(widget), keyboardKey, nullptr);
+    // The window going to the background takes the focus for a while, not from this widget.
+    GtkRoot* root = gtk_widget_get_root(widget);
+    if (!root || gtk_root_get_focus(root) != widget) {
+        g_object_set_data(G_OBJECT(widget), keyboardKey, nullptr);
+    }
     gtk_widget_queue_draw(widget);
 }
 
 bool showsFocus(GtkWidget* widget)
 {
-    if (!gtk_widget_has_focus(widget)) {
+    // The window's focus widget, whether or not the window is in front this moment.
+    GtkRoot* root = gtk_widget_get_root(widget);
+    if (!root || gtk_root_get_focus(root) != widget) {
         return false;
     }
-    GtkRoot* root = gtk_widget_get_root(widget);
     bool visible = GTK_IS_WINDOW(root) && gtk_window_get_focus_visible(GTK_WINDOW(root));
     return visible || g_object_get_data(G_OBJECT(widget), keyboardKey);
 }
