@@ -7,6 +7,7 @@
 #include "core/InternalPages.h"
 #include "core/LocationSettings.h"
 #include "core/Log.h"
+#include "core/QuitDrain.h"
 #include "shell/desktop/PlatformLocation.h"
 #include "shell/tab/EngineLocationMirror.h"
 #include "shell/window/AppDelegate.h"
@@ -18,6 +19,7 @@
 #include <csignal>
 #include <glib-unix.h>
 #include <memory>
+#include <thread>
 
 namespace velder {
 
@@ -192,7 +194,26 @@ int Launcher::run(GtkApplication* application, const LaunchRequest& request)
         }
     }));
     char* noArguments[] = { nullptr };
-    return g_application_run(G_APPLICATION(application), 0, noArguments);
+    int status = g_application_run(G_APPLICATION(application), 0, noArguments);
+    drainAfterQuit();
+    return status;
+}
+
+void Launcher::drainAfterQuit()
+{
+    auto start = std::chrono::steady_clock::now();
+    for (;;) {
+        auto elapsed = std::chrono::steady_clock::now() - start;
+        QuitDrain::Step step = QuitDrain::next(elapsed, g_main_context_pending(nullptr));
+        if (step == QuitDrain::Step::stop) {
+            return;
+        }
+        if (step == QuitDrain::Step::dispatch) {
+            g_main_context_iteration(nullptr, FALSE);
+        } else {
+            std::this_thread::sleep_for(QuitDrain::idleWait);
+        }
+    }
 }
 
 } // namespace velder

@@ -20,8 +20,13 @@ public:
     // Connects the services the windows rely on: the velder:// pages with their host, and the location
     // answers' mirror into the engine. Once per process; the engine must be started.
     static void wireServices();
-    // Runs until the last window closes or a quit, and returns the exit status.
+    // Runs until the last window closes or a quit, and returns the exit status. The quit order ends with
+    // the loop's last turns, bounded by QuitDrain: at least half a second for the pages' last words and the
+    // stores' writes, at most two.
     static int run(GtkApplication* application, const LaunchRequest& request);
+
+private:
+    static void drainAfterQuit();
 };
 
 } // namespace velder

@@ -184,9 +184,10 @@ void VLDEngineRuntime::shutdown()
     started = false;
     VLDIconFetch::cancelAll();
     VLDRequestContextImpl::stopGlobalContext();
-    // Let the engine's last messages (closing pages, their unload handlers) go out before the process ends.
+    // Let the engine's last messages go out; a bounded number of turns, so that work which keeps coming
+    // back can't hold the end. (A quitting Velder has drained its loop already: see QuitDrain.)
     for (int pass = 0; pass < 5; ++pass) {
-        while (g_main_context_iteration(nullptr, FALSE)) { }
+        for (int turn = 0; turn < 100 && g_main_context_iteration(nullptr, FALSE); ++turn) { }
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     closeEngineLog();
