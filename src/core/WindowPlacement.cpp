@@ -31,6 +31,30 @@ std::optional<Rect> frameFromSession(const WindowSession& session, const std::ve
     return std::nullopt;
 }
 
+std::optional<Rect> screenOf(const Rect& window, const std::vector<Rect>& visibleFrames)
+{
+    if (visibleFrames.empty()) {
+        return std::nullopt;
+    }
+    double centreX = window.x + window.width / 2;
+    double centreY = window.y + window.height / 2;
+    auto overlap = [&](const Rect& screen) {
+        double width = std::min(window.maxX(), screen.maxX()) - std::max(window.x, screen.x);
+        double height = std::min(window.maxY(), screen.maxY()) - std::max(window.y, screen.y);
+        return std::max(width, 0.0) * std::max(height, 0.0);
+    };
+    const Rect* best = &visibleFrames.front();
+    for (const Rect& screen : visibleFrames) {
+        if (centreX >= screen.x && centreX < screen.maxX() && centreY >= screen.y && centreY < screen.maxY()) {
+            return screen;
+        }
+        if (overlap(screen) > overlap(*best)) {
+            best = &screen;
+        }
+    }
+    return *best;
+}
+
 Rect cascade(const Rect& source, bool sourceIsZoomed, const std::optional<Rect>& screen)
 {
     Rect base = (sourceIsZoomed && screen) ? *screen : source;

@@ -34,6 +34,10 @@ Rect defaultFrame(const std::vector<Rect>& visibleFrames);
 // and at least 120 by 40 of it on some screen. Otherwise nothing.
 std::optional<Rect> frameFromSession(const WindowSession& session, const std::vector<Rect>& visibleFrames);
 
+// The screen area a window is on: the one holding the window's centre, else the one it overlaps most, else
+// the first (the primary); nothing without any.
+std::optional<Rect> screenOf(const Rect& window, const std::vector<Rect>& visibleFrames);
+
 // A new window's frame: 24 to the right of and below the source (the source's screen area when it is
 // maximised), kept on `screen` with its left and top edges winning when it doesn't fit.
 Rect cascade(const Rect& source, bool sourceIsZoomed, const std::optional<Rect>& screen);

@@ -52,3 +52,25 @@ TEST(WindowPlacement, NewWindowsCascadeAndStayOnTheScreen)
     }
     EXPECT_EQ(WindowPlacement::cascade({ 3000, 3000, 800, 600 }, false, std::nullopt), (Rect { 3024, 3024, 800, 600 }));
 }
+
+// A window's screen: the one holding its centre, else the one it overlaps most, else the primary.
+TEST(WindowPlacement, TheScreenOfAWindow)
+{
+    const std::vector<Rect> screens { { 0, 0, 1000, 800 }, { 1000, 0, 1600, 900 } };
+    struct Row {
+        const char* name;
+        Rect window;
+        std::optional<Rect> expected;
+    };
+    const Row rows[] = {
+        { "on the second", { 1200, 100, 600, 400 }, screens[1] },
+        { "its centre on the second", { 700, 100, 800, 400 }, screens[1] },
+        { "its centre off both, mostly on the first", { -500, 700, 800, 400 }, screens[0] },
+        { "off every screen", { 5000, 5000, 100, 100 }, screens[0] },
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(WindowPlacement::screenOf(row.window, screens), row.expected);
+    }
+    EXPECT_EQ(WindowPlacement::screenOf({ 0, 0, 10, 10 }, {}), std::nullopt);
+}

@@ -3,6 +3,7 @@
 #include "ShellTest.h"
 
 #include "core/WindowPlacement.h"
+#include "shell/desktop/X11Placement.h"
 #include "shell/tab/BrowserTab.h"
 #include "shell/window/MainWindow.h"
 
@@ -83,6 +84,20 @@ TEST_F(SessionTest, CapturesKeepWhatWasSavedWhereTheyKnowNoBetter)
     EXPECT_EQ(saved[0].tabs, std::vector<std::string> { "https://new.example/" });
     EXPECT_EQ(saved[0].x, 5);
     EXPECT_EQ(saved[0].w, 700);
+
+    // Moved by the user (on X11, where positions are read), it is placed by the user: its frame is saved.
+    if (X11Placement::isAvailable()) {
+        window->makeKeyAndOrderFront();
+        ASSERT_TRUE(runMainLoopUntil([&] { return gtk_widget_get_mapped(GTK_WIDGET(window->window())); }));
+        X11Placement::placeWhenRealized(window->window(), 321, 123);
+        ASSERT_TRUE(
+            runMainLoopUntil([&] { return X11Placement::position(window->window()) == std::make_pair(321, 123); }));
+        WindowRegistry::shared().capture();
+        saved = Vault::shared().snapshot()->windows;
+        EXPECT_EQ(saved[0].x, 321);
+        EXPECT_EQ(saved[0].y, 123);
+        EXPECT_EQ(saved[0].w, static_cast<std::int64_t>(WindowFrame::defaultFrame().width));
+    }
 
     // After the final capture nothing more is written.
     WindowRegistry::shared().captureFinalAndStop();

@@ -18,6 +18,14 @@ WindowFrame::WindowFrame(GtkWindow* window, Rect initial, bool hasOwnPlacement)
     X11Placement::placeWhenRealized(window, static_cast<int>(initial.x), static_cast<int>(initial.y));
     g_signal_connect(window, "notify::default-width", G_CALLBACK(onSizeChanged), this);
     g_signal_connect(window, "notify::default-height", G_CALLBACK(onSizeChanged), this);
+    g_signal_connect(window, "map", G_CALLBACK(onMapped), this);
+}
+
+void WindowFrame::onMapped(GtkWidget*, gpointer self)
+{
+    // Seen once the window is on the screen where its placement (and any window manager) put it.
+    auto* frame = static_cast<WindowFrame*>(self);
+    frame->m_firstSeenAt = X11Placement::position(frame->m_window);
 }
 
 WindowFrame::~WindowFrame()
@@ -120,7 +128,14 @@ void WindowFrame::track()
 
 void WindowFrame::writeTo(WindowSession& record) const
 {
-    if (m_hasOwnPlacement) {
+    // A window the user only moved is placed by the user too. GTK reports no moves, so the position is read,
+    // and compared with where it was first seen, after the window manager had its say.
+    auto position = X11Placement::position(m_window);
+    if (position && !m_firstSeenAt) {
+        m_firstSeenAt = position;
+    }
+    bool moved = position && position != m_firstSeenAt;
+    if (m_hasOwnPlacement || moved) {
         Rect source = (isMinimized() || isZoomed() || isFullScreen()) ? m_normalFrame : frame();
         double values[]
             = { std::round(source.x), std::round(source.y), std::round(source.width), std::round(source.height) };
@@ -140,14 +155,30 @@ void WindowFrame::writeTo(WindowSession& record) const
 
 std::vector<Rect> WindowFrame::visibleFrames()
 {
-    return X11Placement::visibleFrames();
+    auto frames = X11Placement::visibleFrames();
+    if (!frames.empty()) {
+        return frames;
+    }
+    // Elsewhere (Wayland) the monitors' whole areas: no work areas are told, and no positions are kept, but a
+    // saved size is judged against them and comes back.
+    if (GdkDisplay* display = gdk_display_get_default()) {
+        GListModel* monitors = gdk_display_get_monitors(display);
+        for (guint i = 0; i < g_list_model_get_n_items(monitors); ++i) {
+            auto* monitor = GDK_MONITOR(g_list_model_get_item(monitors, i));
+            GdkRectangle area;
+            gdk_monitor_get_geometry(monitor, &area);
+            frames.push_back({ static_cast<double>(area.x), static_cast<double>(area.y),
+                static_cast<double>(area.width), static_cast<double>(area.height) });
+            g_object_unref(monitor);
+        }
+    }
+    return frames;
 }
 
 Rect WindowFrame::cascade() const
 {
-    auto frames = visibleFrames();
-    std::optional<Rect> screen = frames.empty() ? std::nullopt : std::optional<Rect>(frames.front());
-    return WindowPlacement::cascade(frame(), isZoomed(), screen);
+    Rect source = frame();
+    return WindowPlacement::cascade(source, isZoomed(), WindowPlacement::screenOf(source, visibleFrames()));
 }
 
 } // namespace velder

@@ -3,6 +3,8 @@
 #include "core/WindowPlacement.h"
 
 #include <gtk/gtk.h>
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace velder {
@@ -44,11 +46,13 @@ public:
 private:
     void keepNormalFrame();
     void track();
+    static void onMapped(GtkWidget*, gpointer self);
     static void onSizeChanged(GObject*, GParamSpec*, gpointer self);
 
     GtkWindow* m_window; // owned by the main window
     bool m_hasOwnPlacement;
     Rect m_normalFrame;
+    mutable std::optional<std::pair<int, int>> m_firstSeenAt; // to tell a move by the user
 };
 
 } // namespace velder
