@@ -12,6 +12,7 @@
 #include "support/TestSupport.h"
 
 #include <csignal>
+#include <filesystem>
 #include <gdk/gdkkeysyms.h>
 #include <gtest/gtest.h>
 
@@ -184,4 +185,42 @@ TEST(Startup, CtrlQInAPageQuitsAndSavesTheSession)
     VaultData saved = savedVault(root);
     ASSERT_EQ(saved.windows.size(), 1u);
     EXPECT_EQ(saved.windows[0].tabs, std::vector<std::string> { "velder://about/" });
+}
+
+// On Wayland, where windows have no positions, a saved size still comes back. Under a headless Weston of
+// the test's own, when Debian's weston is installed.
+TEST(Startup, OnWaylandTheSavedSizeComesBack)
+{
+    if (!fileExists("/usr/bin/weston")) {
+        GTEST_SKIP() << "needs weston";
+    }
+    TempDir root;
+    PrivateSessionBus bus;
+    std::string runtime = root.file("runtime");
+    std::filesystem::create_directories(runtime);
+    std::filesystem::permissions(runtime, std::filesystem::perms::owner_all);
+    ChildProcess weston({ "/usr/bin/weston", "--backend=headless-backend.so", "--socket=wayland-velder", "--width=1600",
+                            "--height=1000", "--shell=desktop-shell.so" },
+        { { "XDG_RUNTIME_DIR", runtime } });
+    ASSERT_TRUE(weston.waitForLine("launching", 20s)) << weston.errorText();
+
+    std::string folder = root.file("data") + "/Velder";
+    std::filesystem::create_directories(folder);
+    VaultData vault;
+    vault.windows = { { { "about:blank" }, 0, 0, 0, 900, 650 } };
+    ASSERT_TRUE(
+        SecureJsonFile<VaultData>(folder + "/vault.bin", KeychainKey::loadOrCreate(folder + "/vault.key")).save(vault));
+
+    auto environment = profileEnvironment(root, bus);
+    environment["XDG_RUNTIME_DIR"] = runtime;
+    environment["WAYLAND_DISPLAY"] = "wayland-velder";
+    environment["GDK_BACKEND"] = "wayland";
+    environment["DISPLAY"] = std::nullopt;
+    ChildProcess velder({ VELDER_BINARY }, environment);
+    ASSERT_TRUE(velder.waitForLine("Velder: chrome geometry", 60s)) << velder.errorText();
+    velder.signal(SIGTERM);
+    EXPECT_EQ(velder.wait(30s), 0) << velder.errorText();
+    EXPECT_NE(velder.errorText().find("window 0,0 900x650"), std::string::npos) << velder.errorText();
+    weston.signal(SIGTERM);
+    weston.wait(10s);
 }
