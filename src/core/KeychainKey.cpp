@@ -4,9 +4,11 @@
 #include "core/AppInfo.h"
 #include "core/FileIO.h"
 #include "core/Format.h"
+#include "core/KeepAside.h"
 #include "core/Log.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace velder::KeychainKey {
 
@@ -20,6 +22,9 @@ std::optional<SymmetricKey> loadOrCreate(const std::string& path)
         }
         log(format(
             "Velder: vault.key is %d bytes, expected 32; generating a new one.", static_cast<int>(bytes->size())));
+        if (auto aside = KeepAside::move(path, std::chrono::system_clock::now())) {
+            log("Velder: the old vault.key is kept as " + std::filesystem::path(*aside).filename().string() + ".");
+        }
     }
 
     SymmetricKey key;

@@ -2,9 +2,14 @@
 
 #include "core/AesGcm.h"
 #include "core/FileIO.h"
+#include "core/KeepAside.h"
 #include "core/Log.h"
 
+#include <filesystem>
+
 namespace velder {
+
+namespace fs = std::filesystem;
 
 SealedFile::SealedFile(std::string path, std::optional<SymmetricKey> key)
     : m_path(std::move(path))
@@ -21,6 +26,7 @@ std::string SealedFile::fileName() const
 void SealedFile::logUnreadable(const std::string& reason) const
 {
     log("Velder: " + fileName() + " could not be read (" + reason + "); starting fresh.");
+    m_keepAsideBeforeWriting.store(true);
 }
 
 std::optional<std::vector<char>> SealedFile::readPlaintext() const
@@ -46,6 +52,12 @@ bool SealedFile::writePlaintext(const std::string& json) const
 {
     if (!m_key) {
         return false;
+    }
+    if (m_keepAsideBeforeWriting.exchange(false)) {
+        if (auto aside = KeepAside::move(m_path, std::chrono::system_clock::now())) {
+            log("Velder: " + fileName() + " could not be read; it is kept as " + fs::path(*aside).filename().string()
+                + " before a new one is written.");
+        }
     }
     std::string error;
     auto sealed

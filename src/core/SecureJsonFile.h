@@ -25,7 +25,8 @@ public:
     // short, tampered or wrong-key file.
     std::optional<std::vector<char>> readPlaintext() const;
     // Seals and writes atomically, then sets mode 0600. False, quietly, without a key; false with the
-    // log line when sealing or writing fails (the old file then stays whole).
+    // log line when sealing or writing fails (the old file then stays whole). A file this one couldn't read
+    // is kept aside first (see KeepAside).
     bool writePlaintext(const std::string& json) const;
     void logUnreadable(const std::string& reason) const;
     // The size of the last text read or written, a good guess for the next one.
@@ -35,6 +36,8 @@ private:
     std::string m_path;
     std::optional<SymmetricKey> m_key;
     mutable std::atomic<std::size_t> m_lastPlaintextSize { 0 };
+    // Set by a read that found the file unreadable: the next write keeps that file aside first.
+    mutable std::atomic<bool> m_keepAsideBeforeWriting { false };
 };
 
 // One sealed JSON file of one record type. It keeps no cache: each load and save goes to the disk.

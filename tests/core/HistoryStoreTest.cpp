@@ -327,3 +327,26 @@ TEST(HistoryStore, AgreesWithAPlainListUnderRandomOperations)
     }
     EXPECT_EQ(stores.history().entries(), model);
 }
+
+// A tampered history starts fresh, and is kept aside with its bytes intact when the fresh one is first written.
+TEST(HistoryStore, ATamperedFileIsKeptAsideNotReplaced)
+{
+    ScopedStores stores;
+    std::vector<std::uint8_t> tampered(64, 0x5a);
+    writeBytes(AppInfo::historyFile(), tampered);
+    stores.reloadHistory();
+    EXPECT_EQ(stores.history().count(), 0u);
+    stores.history().record("https://after.example/", "", at(0));
+    stores.history().flushNow();
+
+    std::vector<std::vector<std::uint8_t>> kept;
+    auto folder = std::filesystem::path(AppInfo::historyFile()).parent_path();
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        if (entry.path().filename().string().starts_with("history.bin.unreadable-")) {
+            kept.push_back(readBytes(entry.path().string()));
+        }
+    }
+    EXPECT_EQ(kept, std::vector<std::vector<std::uint8_t>> { tampered });
+    stores.reloadHistory();
+    EXPECT_EQ(urls(stores.history().entries()), std::vector<std::string> { "https://after.example/" });
+}

@@ -1,5 +1,6 @@
 #include "core/SecureJsonFile.h"
 #include "core/AesGcm.h"
+#include "core/KeepAside.h"
 #include "core/KeychainKey.h"
 #include "core/Log.h"
 #include "core/VaultData.h"
@@ -11,6 +12,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <map>
 #include <poll.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -52,6 +54,20 @@ TEST(KeychainKey, FirstLaunchCreatesAKeyQuietly)
     EXPECT_EQ(KeychainKey::loadOrCreate(dir.file("vault.key")), key) << "a second launch reads the same key";
 }
 
+// The files a directory holds whose names begin with `prefix`, with their bytes.
+std::map<std::string, std::vector<std::uint8_t>> filesStartingWith(const TempDir& dir, const std::string& prefix)
+{
+    std::map<std::string, std::vector<std::uint8_t>> found;
+    for (const auto& entry : std::filesystem::directory_iterator(dir.path())) {
+        if (entry.path().filename().string().starts_with(prefix)) {
+            found[entry.path().filename().string()] = readBytes(entry.path().string());
+        }
+    }
+    return found;
+}
+
+// A key of the wrong length is replaced, and the files it sealed start fresh; but nothing is destroyed: the
+// old key is kept aside at once, an unreadable file before the first save that would replace it.
 TEST(KeychainKey, AKeyOfTheWrongLengthIsReplacedAndOldFilesStartFresh)
 {
     for (std::size_t length : { 31u, 33u, 0u }) {
@@ -67,15 +83,50 @@ TEST(KeychainKey, AKeyOfTheWrongLengthIsReplacedAndOldFilesStartFresh)
         ASSERT_TRUE(newKey);
         EXPECT_NE(newKey, oldKey);
         EXPECT_EQ(readBytes(dir.file("vault.key")).size(), 32u);
-        VaultData loaded = SecureJsonFile<VaultData>(dir.file("vault.bin"), newKey).load(VaultData());
+        SecureJsonFile<VaultData> file(dir.file("vault.bin"), newKey);
+        VaultData loaded = file.load(VaultData());
         EXPECT_EQ(loaded, VaultData());
 
         EXPECT_EQ(log.lines().at(0),
             "Velder: vault.key is " + std::to_string(length) + " bytes, expected 32; generating a new one.");
         EXPECT_EQ(log.linesStartingWith("Velder: vault.bin could not be read (").size(), 1u);
-        EXPECT_EQ(log.lines().size(), 2u);
+        EXPECT_EQ(log.lines().size(), 3u);
         EXPECT_EQ(readBytes(dir.file("vault.bin")), sealed) << "the unreadable file stays until the next save";
+        auto keys = filesStartingWith(dir, "vault.key.unreadable-");
+        ASSERT_EQ(keys.size(), 1u);
+        EXPECT_EQ(keys.begin()->second, std::vector<std::uint8_t>(length, 7));
+
+        ASSERT_TRUE(file.save(sampleVault("https://new.example/")));
+        auto vaults = filesStartingWith(dir, "vault.bin.unreadable-");
+        ASSERT_EQ(vaults.size(), 1u);
+        EXPECT_EQ(vaults.begin()->second, sealed) << "kept with its bytes intact";
+        EXPECT_EQ(std::filesystem::status(dir.file(vaults.begin()->first)).permissions() & std::filesystem::perms::all,
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+        EXPECT_EQ(
+            log.linesStartingWith("Velder: vault.bin could not be read; it is kept as vault.bin.unreadable-").size(),
+            1u);
     }
+}
+
+// At most three are kept for a file, the oldest going first; a second in the same second is numbered.
+TEST(KeepAside, KeepsTheThreeNewest)
+{
+    TempDir dir;
+    auto at
+        = [](int seconds) { return std::chrono::system_clock::time_point(std::chrono::seconds(1764000000 + seconds)); };
+    std::vector<std::string> asides;
+    for (int i = 0; i < 5; ++i) {
+        writeBytes(dir.file("history.bin"), { static_cast<std::uint8_t>(i) });
+        auto aside = KeepAside::move(dir.file("history.bin"), at(i < 4 ? i : 3));
+        ASSERT_TRUE(aside);
+        asides.push_back(*aside);
+    }
+    EXPECT_EQ(asides[4], asides[3] + "-2");
+    auto kept = filesStartingWith(dir, "history.bin.unreadable-");
+    ASSERT_EQ(kept.size(), 3u);
+    EXPECT_EQ(kept.begin()->second, std::vector<std::uint8_t> { 2 }) << "the two oldest are gone";
+    EXPECT_FALSE(fileExists(dir.file("history.bin")));
+    EXPECT_EQ(KeepAside::move(dir.file("history.bin"), at(9)), std::nullopt) << "nothing to keep";
 }
 
 TEST(KeychainKey, AKeyThatCannotBeStoredLeavesTheLaunchWithoutPersistence)
