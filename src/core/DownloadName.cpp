@@ -32,14 +32,6 @@ std::optional<std::string> first(
     return std::nullopt;
 }
 
-std::optional<std::string> firstFree(const std::string& folder, const std::string& name)
-{
-    return first(folder, name, [](const std::string& path) {
-        std::error_code ignored;
-        return !std::filesystem::exists(std::filesystem::symlink_status(path, ignored));
-    });
-}
-
 std::optional<std::string> reserve(const std::string& folder, const std::string& name)
 {
     std::error_code ignored;

@@ -20,9 +20,6 @@ std::string numbered(const std::string& name, int number);
 std::optional<std::string> first(
     const std::string& folder, const std::string& name, const std::function<bool(const std::string& path)>& take);
 
-// The first path that no file has yet.
-std::optional<std::string> firstFree(const std::string& folder, const std::string& name);
-
 // The first path that could be made at once as an empty file of ours (an exclusive create). The file holds
 // the name for the download that writes over it, so a second download of the same name started meanwhile
 // numbers on instead of failing.
