@@ -31,6 +31,13 @@ gboolean keyPressed(GtkEventControllerKey*, guint keyval, guint, GdkModifierType
 
 constexpr const char* keyboardKey = "velder-focused-by-keyboard";
 
+// The window's focus widget, whether or not the window is in front this moment.
+bool isFocusWidget(GtkWidget* widget)
+{
+    GtkRoot* root = gtk_widget_get_root(widget);
+    return root && gtk_root_get_focus(root) == widget;
+}
+
 void redraw(GtkEventControllerFocus* focus, gpointer)
 {
     gtk_widget_queue_draw(gtk_event_controller_get_widget(GTK_EVENT_CONTROLLER(focus)));
@@ -40,22 +47,10 @@ void left(GtkEventControllerFocus* focus, gpointer)
 {
     GtkWidget* widget = gtk_event_controller_get_widget(GTK_EVENT_CONTROLLER(focus));
     // The window going to the background takes the focus for a while, not from this widget.
-    GtkRoot* root = gtk_widget_get_root(widget);
-    if (!root || gtk_root_get_focus(root) != widget) {
+    if (!isFocusWidget(widget)) {
         g_object_set_data(G_OBJECT(widget), keyboardKey, nullptr);
     }
     gtk_widget_queue_draw(widget);
-}
-
-bool showsFocus(GtkWidget* widget)
-{
-    // The window's focus widget, whether or not the window is in front this moment.
-    GtkRoot* root = gtk_widget_get_root(widget);
-    if (!root || gtk_root_get_focus(root) != widget) {
-        return false;
-    }
-    bool visible = GTK_IS_WINDOW(root) && gtk_window_get_focus_visible(GTK_WINDOW(root));
-    return visible || g_object_get_data(G_OBJECT(widget), keyboardKey);
 }
 
 } // namespace
@@ -87,7 +82,12 @@ void grabByKeyboard(GtkWidget* widget)
 
 bool showsRing(GtkWidget* widget)
 {
-    return showsFocus(widget);
+    if (!isFocusWidget(widget)) {
+        return false;
+    }
+    GtkRoot* root = gtk_widget_get_root(widget);
+    bool visible = GTK_IS_WINDOW(root) && gtk_window_get_focus_visible(GTK_WINDOW(root));
+    return visible || g_object_get_data(G_OBJECT(widget), keyboardKey);
 }
 
 Color ringColor(Color background)
@@ -97,7 +97,7 @@ Color ringColor(Color background)
 
 void drawRing(GtkSnapshot* snapshot, GtkWidget* widget, Color background, double inset, double radius)
 {
-    if (showsFocus(widget)) {
+    if (showsRing(widget)) {
         Drawing::strokeRounded(
             snapshot, ringColor(background), Drawing::inset(Drawing::bounds(widget), inset + 1, inset + 1), radius, 2);
     }
