@@ -78,17 +78,21 @@ std::vector<Rect> visibleFrames()
 {
     std::vector<Rect> frames;
     GdkDisplay* display = gdk_display_get_default();
-    if (!display || !GDK_IS_X11_DISPLAY(display)) {
+    if (!display) {
         return frames;
     }
+    bool x11 = GDK_IS_X11_DISPLAY(display);
     GListModel* monitors = gdk_display_get_monitors(display);
     for (guint i = 0; i < g_list_model_get_n_items(monitors); ++i) {
         auto* monitor = GDK_MONITOR(g_list_model_get_item(monitors, i));
         GdkRectangle area;
-        gdk_x11_monitor_get_workarea(monitor, &area);
-        Rect rect { static_cast<double>(area.x), static_cast<double>(area.y), static_cast<double>(area.width),
-            static_cast<double>(area.height) };
-        frames.push_back(rect);
+        if (x11) {
+            gdk_x11_monitor_get_workarea(monitor, &area);
+        } else {
+            gdk_monitor_get_geometry(monitor, &area);
+        }
+        frames.push_back({ static_cast<double>(area.x), static_cast<double>(area.y), static_cast<double>(area.width),
+            static_cast<double>(area.height) });
         g_object_unref(monitor);
     }
     return frames;

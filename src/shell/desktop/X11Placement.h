@@ -20,7 +20,8 @@ bool isAvailable();
 std::optional<std::pair<int, int>> position(GtkWindow* window);
 // Moves the window there as soon as it has an X window (at once if it has one).
 void placeWhenRealized(GtkWindow* window, int x, int y);
-// Each monitor's usable area (without panels where the desktop says so), the primary first.
+// Each monitor's usable area (without panels where the desktop says so), the primary first. Elsewhere
+// (Wayland) no work areas are told: the monitors' whole areas, against which a saved size is judged.
 std::vector<Rect> visibleFrames();
 
 } // namespace X11Placement

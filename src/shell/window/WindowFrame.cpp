@@ -155,24 +155,7 @@ void WindowFrame::writeTo(WindowSession& record) const
 
 std::vector<Rect> WindowFrame::visibleFrames()
 {
-    auto frames = X11Placement::visibleFrames();
-    if (!frames.empty()) {
-        return frames;
-    }
-    // Elsewhere (Wayland) the monitors' whole areas: no work areas are told, and no positions are kept, but a
-    // saved size is judged against them and comes back.
-    if (GdkDisplay* display = gdk_display_get_default()) {
-        GListModel* monitors = gdk_display_get_monitors(display);
-        for (guint i = 0; i < g_list_model_get_n_items(monitors); ++i) {
-            auto* monitor = GDK_MONITOR(g_list_model_get_item(monitors, i));
-            GdkRectangle area;
-            gdk_monitor_get_geometry(monitor, &area);
-            frames.push_back({ static_cast<double>(area.x), static_cast<double>(area.y),
-                static_cast<double>(area.width), static_cast<double>(area.height) });
-            g_object_unref(monitor);
-        }
-    }
-    return frames;
+    return X11Placement::visibleFrames();
 }
 
 Rect WindowFrame::cascade() const
