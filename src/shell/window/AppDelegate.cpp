@@ -28,6 +28,12 @@ std::string newTabPage(bool isPrivate)
     return isPrivate ? "about:blank" : Vault::shared().snapshot()->settings.newTabPage;
 }
 
+// What a window asked for opens: the addresses, or the new-tab page without any.
+std::vector<std::string> addressesOrNewTab(const LaunchRequest& request, bool isPrivate)
+{
+    return request.urls.empty() ? std::vector { newTabPage(isPrivate) } : request.urls;
+}
+
 // A tab for each address, the first of them active.
 void installAll(MainWindow& window, const std::vector<std::string>& urls)
 {
@@ -91,7 +97,7 @@ void AppDelegate::openFirstWindows(const LaunchRequest& request)
 {
     // A private window asked for from cold is all that opens: the saved session stays on disk.
     if (request.privateWindow) {
-        openWindowWith(request.urls.empty() ? std::vector { newTabPage(true) } : request.urls, true, nullptr);
+        openWindowWith(addressesOrNewTab(request, true), true, nullptr);
         return;
     }
     if (!request.urls.empty()) {
@@ -217,7 +223,7 @@ void AppDelegate::openFromOutside(const LaunchRequest& request)
 {
     if (request.privateWindow || request.newWindow) {
         bool isPrivate = request.privateWindow;
-        openWindowWith(request.urls.empty() ? std::vector { newTabPage(isPrivate) } : request.urls, isPrivate, nullptr);
+        openWindowWith(addressesOrNewTab(request, isPrivate), isPrivate, nullptr);
         return;
     }
     MainWindow* window = keyWindow();
