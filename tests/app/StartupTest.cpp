@@ -62,6 +62,25 @@ VaultData savedVault(const TempDir& root)
     return saved<VaultData>(root, "vault.bin");
 }
 
+// Velder has opened its first window (it logs the window's geometry then).
+::testing::AssertionResult showsAWindow(ChildProcess& velder)
+{
+    if (velder.waitForLine("Velder: chrome geometry", 60s)) {
+        return ::testing::AssertionSuccess();
+    }
+    return ::testing::AssertionFailure() << "no window: " << velder.errorText();
+}
+
+// SIGTERM quits Velder in order, with status 0.
+::testing::AssertionResult quits(ChildProcess& velder)
+{
+    velder.signal(SIGTERM);
+    if (auto status = velder.wait(30s); status == 0) {
+        return ::testing::AssertionSuccess();
+    }
+    return ::testing::AssertionFailure() << "no quit in order: " << velder.errorText();
+}
+
 // The middle of the first window, which opens centred on the test's 1600x1000 screen.
 constexpr int windowMiddleX = 800;
 constexpr int windowMiddleY = 500;
@@ -88,7 +107,7 @@ TEST(Startup, ASecondLaunchHandsItsAddressToTheRunningVelder)
     ASSERT_FALSE(bus.address().empty());
     auto environment = profileEnvironment(root, bus);
     ChildProcess first({ VELDER_BINARY, "about:blank" }, environment);
-    ASSERT_TRUE(first.waitForLine("Velder: chrome geometry", 60s)) << first.errorText();
+    ASSERT_TRUE(showsAWindow(first));
 
     // The running Velder's log has grown past the limit at which a starting Velder rotates it: a launch that
     // hands over must not, nor touch any other file.
@@ -98,8 +117,7 @@ TEST(Startup, ASecondLaunchHandsItsAddressToTheRunningVelder)
     EXPECT_EQ(second.wait(30s), 0) << second.errorText();
     EXPECT_FALSE(fileExists(root.file("data") + "/Velder/engine_log.previous.txt"));
 
-    first.signal(SIGTERM);
-    EXPECT_EQ(first.wait(30s), 0) << first.errorText();
+    EXPECT_TRUE(quits(first));
     VaultData saved = savedVault(root);
     ASSERT_EQ(saved.windows.size(), 1u);
     EXPECT_EQ(
@@ -116,9 +134,8 @@ TEST(Startup, EveryAddressOfTheCommandLineOpens)
     ChildProcess velder(
         { VELDER_BINARY, "about:blank", "--remote-debugging-port=0", "about:history", "about:settings" },
         profileEnvironment(root, bus));
-    ASSERT_TRUE(velder.waitForLine("Velder: chrome geometry", 60s)) << velder.errorText();
-    velder.signal(SIGTERM);
-    EXPECT_EQ(velder.wait(30s), 0) << velder.errorText();
+    ASSERT_TRUE(showsAWindow(velder));
+    EXPECT_TRUE(quits(velder));
     VaultData saved = savedVault(root);
     ASSERT_EQ(saved.windows.size(), 1u);
     EXPECT_EQ(
@@ -138,15 +155,13 @@ TEST(Startup, APrivateWindowFromColdLeavesNoTrace)
     auto environment = profileEnvironment(root, bus);
     {
         ChildProcess before({ VELDER_BINARY, "about:history" }, environment);
-        ASSERT_TRUE(before.waitForLine("Velder: chrome geometry", 60s)) << before.errorText();
-        before.signal(SIGTERM);
-        ASSERT_EQ(before.wait(30s), 0) << before.errorText();
+        ASSERT_TRUE(showsAWindow(before));
+        ASSERT_TRUE(quits(before));
     }
     ChildProcess velder({ VELDER_BINARY, "--private-window", server.url("/secret") }, environment);
     // The page has arrived when it asks for its image; the loop answers the child meanwhile.
     ASSERT_TRUE(runMainLoopUntil([&] { return server.received("/shown"); }, 60s)) << velder.errorText();
-    velder.signal(SIGTERM);
-    EXPECT_EQ(velder.wait(30s), 0) << velder.errorText();
+    EXPECT_TRUE(quits(velder));
     VaultData vault = savedVault(root);
     ASSERT_EQ(vault.windows.size(), 1u);
     EXPECT_EQ(vault.windows[0].tabs, std::vector<std::string> { "velder://history/" });
@@ -160,13 +175,11 @@ TEST(Startup, TwoProfilesRunSideBySide)
     TempDir second;
     PrivateSessionBus bus;
     ChildProcess one({ VELDER_BINARY, "about:blank" }, profileEnvironment(first, bus));
-    ASSERT_TRUE(one.waitForLine("Velder: chrome geometry", 60s)) << one.errorText();
+    ASSERT_TRUE(showsAWindow(one));
     ChildProcess two({ VELDER_BINARY, "about:history" }, profileEnvironment(second, bus));
     ASSERT_TRUE(two.waitForLine("Velder: chrome geometry", 60s)) << "the second profile handed over";
-    for (ChildProcess* velder : { &one, &two }) {
-        velder->signal(SIGTERM);
-        EXPECT_EQ(velder->wait(30s), 0) << velder->errorText();
-    }
+    EXPECT_TRUE(quits(one));
+    EXPECT_TRUE(quits(two));
     EXPECT_EQ(savedVault(first).windows.at(0).tabs, std::vector<std::string> { "about:blank" });
     EXPECT_EQ(savedVault(second).windows.at(0).tabs, std::vector<std::string> { "velder://history/" });
 }
@@ -176,7 +189,7 @@ TEST(Startup, CtrlQInAPageQuitsAndSavesTheSession)
     TempDir root;
     PrivateSessionBus bus;
     ChildProcess velder({ VELDER_BINARY, "velder://about/" }, profileEnvironment(root, bus));
-    ASSERT_TRUE(velder.waitForLine("Velder: chrome geometry", 60s)) << velder.errorText();
+    ASSERT_TRUE(showsAWindow(velder));
     if (!RealInput::pressKeyOnScreen(windowMiddleX, windowMiddleY, GDK_KEY_q, { GDK_KEY_Control_L })) {
         velder.signal(SIGTERM);
         GTEST_SKIP() << "needs XTest";
@@ -217,9 +230,8 @@ TEST(Startup, OnWaylandTheSavedSizeComesBack)
     environment["GDK_BACKEND"] = "wayland";
     environment["DISPLAY"] = std::nullopt;
     ChildProcess velder({ VELDER_BINARY }, environment);
-    ASSERT_TRUE(velder.waitForLine("Velder: chrome geometry", 60s)) << velder.errorText();
-    velder.signal(SIGTERM);
-    EXPECT_EQ(velder.wait(30s), 0) << velder.errorText();
+    ASSERT_TRUE(showsAWindow(velder));
+    EXPECT_TRUE(quits(velder));
     EXPECT_NE(velder.errorText().find("window 0,0 900x650"), std::string::npos) << velder.errorText();
     weston.signal(SIGTERM);
     weston.wait(10s);
