@@ -2,6 +2,7 @@
 
 #include "bridge/VLDContextMenuInfo.h"
 #include "bridge/VLDDownloadItem.h"
+#include "bridge/VLDPermissionRequest.h"
 
 #include <cstdint>
 #include <functional>
@@ -13,7 +14,6 @@ namespace velder {
 
 class VLDBrowserView;
 class VLDDownloadCallback;
-class VLDPermissionRequest;
 
 // How a page's web process ended.
 namespace VLDRenderProcessStatus {
@@ -85,6 +85,12 @@ public:
     // Permissions: true means the owner will answer the request, now or later.
     virtual bool shouldHandlePermissionRequest(VLDBrowserView&, std::shared_ptr<VLDPermissionRequest>) { return false; }
     virtual void didWithdrawPermissionRequest(VLDBrowserView&, std::shared_ptr<VLDPermissionRequest>) { }
+    // The page asks what a location request from `origin` would get, when the session's stored answer
+    // doesn't tell.
+    virtual VLDPermissionRequest::State locationStateForOrigin(VLDBrowserView&, const std::string& /*origin*/)
+    {
+        return VLDPermissionRequest::State::prompt;
+    }
 
     // Downloads: true means the owner will answer the callback, now or later.
     virtual bool decideDestinationForDownload(

@@ -370,6 +370,12 @@ gboolean onPermissionRequest(WebKitWebView*, WebKitPermissionRequest* request, g
     return FALSE;
 }
 
+gboolean onQueryPermissionState(WebKitWebView*, WebKitPermissionStateQuery* query, gpointer data)
+{
+    auto view = viewFor(data);
+    return view && VLDPermissionBridge::answerStateQuery(view, query);
+}
+
 // The pointer moved onto or off a link: the owner shows where the link goes.
 void onMouseTarget(WebKitWebView*, WebKitHitTestResult* hit, guint, gpointer data)
 {
@@ -501,6 +507,7 @@ void VLDClient::connectBrowser(GtkWidget* widget, std::uint64_t identifier)
     g_signal_connect(webView, "close", G_CALLBACK(onClose), data);
     g_signal_connect(webView, "script-dialog", G_CALLBACK(onScriptDialog), data);
     g_signal_connect(webView, "permission-request", G_CALLBACK(onPermissionRequest), data);
+    g_signal_connect(webView, "query-permission-state", G_CALLBACK(onQueryPermissionState), data);
     g_signal_connect(webView, "context-menu", G_CALLBACK(onContextMenu), data);
     g_signal_connect(webView, "mouse-target-changed", G_CALLBACK(onMouseTarget), data);
     g_signal_connect(

@@ -7,10 +7,12 @@
 #include "bridge/VLDRequestContextImpl.h"
 #include "core/Format.h"
 #include "core/Log.h"
+#include "glib/GCharPtr.h"
 #include "glib/GObjectPtr.h"
 
 #include <atomic>
 #include <map>
+#include <string_view>
 #include <unordered_map>
 #include <webkit/webkit.h>
 
@@ -175,6 +177,36 @@ void VLDPermissionBridge::handleRequest(const std::shared_ptr<VLDBrowserViewImpl
         }
         request->deny();
     }
+}
+
+bool VLDPermissionBridge::answerStateQuery(const std::shared_ptr<VLDBrowserViewImpl>& view, void* engineQuery)
+{
+    auto* query = static_cast<WebKitPermissionStateQuery*>(engineQuery);
+    std::string_view name = webkit_permission_state_query_get_name(query);
+    using State = VLDPermissionRequest::State;
+    State state = State::prompt;
+    if (name == "camera" || name == "microphone") {
+        state = State::denied;
+    } else if (name == "geolocation") {
+        GCharPtr text(webkit_security_origin_to_string(webkit_permission_state_query_get_security_origin(query)));
+        std::string origin = VLDRequestContextImpl::canonicalOrigin(text ? text.get() : "");
+        int stored = view->requestContext() ? view->requestContext()->geolocationSettingForOrigin(origin)
+                                            : VLDRequestContext::settingDefault;
+        if (stored == VLDRequestContext::settingAllow) {
+            state = State::granted;
+        } else if (stored == VLDRequestContext::settingBlock) {
+            state = State::denied;
+        } else if (auto delegate = view->delegate()) {
+            state = delegate->locationStateForOrigin(*view, origin);
+        }
+    } else {
+        return false;
+    }
+    webkit_permission_state_query_finish(query,
+        state == State::granted      ? WEBKIT_PERMISSION_STATE_GRANTED
+            : state == State::denied ? WEBKIT_PERMISSION_STATE_DENIED
+                                     : WEBKIT_PERMISSION_STATE_PROMPT);
+    return true;
 }
 
 void VLDPermissionBridge::withdrawParkedRequests(const std::shared_ptr<VLDBrowserViewImpl>& view)

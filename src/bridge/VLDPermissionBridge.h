@@ -23,6 +23,11 @@ namespace VLDPermissionBridge {
 // The engine asks for a permission (`request` is the engine's request object).
 void handleRequest(const std::shared_ptr<VLDBrowserViewImpl>& view, GObject* request);
 
+// The page asks what a permission would get (`query` is the engine's state query object): location
+// is answered from the session's stored answer, then by the owner, on the road a request takes; camera and
+// microphone are refused, as their requests are. False leaves any other name to the engine.
+bool answerStateQuery(const std::shared_ptr<VLDBrowserViewImpl>& view, void* query);
+
 // The page's document went: its parked requests are withdrawn, and the owner told.
 void withdrawParkedRequests(const std::shared_ptr<VLDBrowserViewImpl>& view);
 

@@ -10,6 +10,8 @@ namespace velder {
 class VLDPermissionRequest {
 public:
     enum class Kind : long { other = 0, geolocation = 1 };
+    // What a page is told when it asks, before any request, what a request would get.
+    enum class State { granted, denied, prompt };
 
     virtual ~VLDPermissionRequest() = default;
     virtual Kind kind() const = 0;

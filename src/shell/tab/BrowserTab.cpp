@@ -373,6 +373,39 @@ void BrowserTab::setSessionAnswer(std::optional<SessionAnswer> answer)
     }
 }
 
+LocationAnswer BrowserTab::answerFor(const std::string& origin) const
+{
+    if (m_sessionAnswer && m_sessionAnswer->origin == origin) {
+        return m_sessionAnswer->answer;
+    }
+    return m_isPrivate ? LocationAnswer::ask : LocationSettings::shared().effective(origin);
+}
+
+VLDPermissionRequest::State BrowserTab::locationStateForOrigin(VLDBrowserView&, const std::string& requestOrigin)
+{
+    // What a request would get, so that a site asks its own question only when Velder would ask too.
+    using State = VLDPermissionRequest::State;
+    std::optional<std::string> origin = UrlHelper::origin(requestOrigin);
+    if (!origin) {
+        origin = UrlHelper::origin(url);
+    }
+    if (!origin) {
+        return State::prompt;
+    }
+    if (!locationEnabled()) {
+        return State::denied;
+    }
+    switch (answerFor(*origin)) {
+    case LocationAnswer::allow:
+        return State::granted;
+    case LocationAnswer::block:
+        return State::denied;
+    case LocationAnswer::ask:
+        break;
+    }
+    return State::prompt;
+}
+
 bool BrowserTab::handleLocationRequest(std::shared_ptr<VLDPermissionRequest> request)
 {
     if (request->kind() != VLDPermissionRequest::Kind::geolocation) {
@@ -390,15 +423,7 @@ bool BrowserTab::handleLocationRequest(std::shared_ptr<VLDPermissionRequest> req
         mirror(*origin);
         return true;
     }
-    LocationAnswer answer;
-    if (m_sessionAnswer && m_sessionAnswer->origin == *origin) {
-        answer = m_sessionAnswer->answer;
-    } else if (m_isPrivate) {
-        answer = LocationAnswer::ask;
-    } else {
-        answer = LocationSettings::shared().effective(*origin);
-    }
-    switch (answer) {
+    switch (answerFor(*origin)) {
     case LocationAnswer::block:
         request->deny();
         return true;

@@ -92,6 +92,7 @@ public:
     bool openURLInNewTab(VLDBrowserView&, const std::string& url, bool foreground) override;
     bool shouldHandlePermissionRequest(VLDBrowserView&, std::shared_ptr<VLDPermissionRequest> request) override;
     void didWithdrawPermissionRequest(VLDBrowserView&, std::shared_ptr<VLDPermissionRequest> request) override;
+    VLDPermissionRequest::State locationStateForOrigin(VLDBrowserView&, const std::string& origin) override;
     bool decideDestinationForDownload(
         VLDBrowserView&, const VLDDownloadItem&, std::shared_ptr<VLDDownloadCallback>) override;
     void didUpdateDownload(VLDBrowserView&, const VLDDownloadItem& item) override;
@@ -106,6 +107,8 @@ private:
     void changed();
     void locationRequestChanged();
     void mirror(const std::string& origin);
+    // The answer a request from `origin` gets with the switch on: this tab's own answer for it first.
+    LocationAnswer answerFor(const std::string& origin) const;
 
     std::shared_ptr<VLDBrowserView> m_view;
     bool m_isPrivate;
