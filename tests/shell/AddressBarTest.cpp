@@ -167,7 +167,7 @@ TEST_F(AddressBarTest, AClickOutsideThePinStartsEditing)
         SCOPED_TRACE(row.name);
         gtk_widget_grab_focus(neighbour);
         ASSERT_TRUE(runMainLoopUntil([&] { return !bar->isEditing(); }));
-        bar->pin().setShown(row.pinShown);
+        gtk_widget_set_visible(bar->pin().widget(), row.pinShown);
         settle(bar->widget());
         bar->setText("example.org");
         bar->click(row.x, 14);
@@ -189,7 +189,7 @@ TEST_F(AddressBarTest, FieldAndPinLayout)
     EXPECT_EQ(field.size.width, 380);
     EXPECT_NEAR(field.origin.y + field.size.height / 2, 14, 1) << "centred vertically";
 
-    bar->pin().setShown(true);
+    gtk_widget_set_visible(bar->pin().widget(), true);
     settle(bar->widget());
     ASSERT_TRUE(gtk_widget_compute_bounds(bar->field(), bar->widget(), &field));
     ASSERT_TRUE(gtk_widget_compute_bounds(bar->pin().widget(), bar->widget(), &pin));

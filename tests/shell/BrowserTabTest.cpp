@@ -20,28 +20,6 @@ namespace {
 
 class BrowserTabTest : public ShellTest { };
 
-// A location request as the bridge hands it over.
-class FakePermissionRequest : public VLDPermissionRequest {
-public:
-    explicit FakePermissionRequest(std::string origin, Kind kind = Kind::geolocation)
-        : m_origin(std::move(origin))
-        , m_kind(kind)
-    {
-    }
-    Kind kind() const override { return m_kind; }
-    const std::string& origin() const override { return m_origin; }
-    std::uint64_t promptId() const override { return 1; }
-    bool isAnswered() const override { return answer.has_value(); }
-    // The first answer stands, as with the engine's own requests.
-    void allow() override { answer = answer.value_or(true); }
-    void deny() override { answer = answer.value_or(false); }
-    std::optional<bool> answer;
-
-private:
-    std::string m_origin;
-    Kind m_kind;
-};
-
 // Records what reaches the engine's location settings.
 class RecordingMirror : public LocationMirror {
 public:

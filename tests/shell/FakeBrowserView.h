@@ -1,8 +1,10 @@
 #pragma once
 
 #include "bridge/VLDBrowserView.h"
+#include "bridge/VLDPermissionRequest.h"
 
 #include <gtk/gtk.h>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -73,6 +75,28 @@ private:
     bool m_popupHost;
     bool m_refusesFocus = false;
     double m_zoom = 0;
+};
+
+// A location request as the bridge hands it over.
+class FakePermissionRequest : public VLDPermissionRequest {
+public:
+    explicit FakePermissionRequest(std::string origin, Kind kind = Kind::geolocation)
+        : m_origin(std::move(origin))
+        , m_kind(kind)
+    {
+    }
+    Kind kind() const override { return m_kind; }
+    const std::string& origin() const override { return m_origin; }
+    std::uint64_t promptId() const override { return 1; }
+    bool isAnswered() const override { return answer.has_value(); }
+    // The first answer stands, as with the engine's own requests.
+    void allow() override { answer = answer.value_or(true); }
+    void deny() override { answer = answer.value_or(false); }
+    std::optional<bool> answer;
+
+private:
+    std::string m_origin;
+    Kind m_kind;
 };
 
 } // namespace velder::test

@@ -1,6 +1,7 @@
 #include "WidgetTestSupport.h"
 
 #include "shell/chrome/LocationPin.h"
+#include "support/ScopedStores.h"
 
 namespace velder::test {
 namespace {
@@ -21,9 +22,7 @@ TEST_F(LocationPinTest, IsGreenAndHaloedWhenLitAndSaysWhy)
         { false, Color::fromHex(0x6A6A6A), black, "This site cannot see your location" } };
     LocationPin pin;
     EXPECT_FALSE(gtk_widget_get_focusable(pin.widget()));
-    int presses = 0;
-    pin.onPress = [&] { ++presses; };
-    pin.setShown(true);
+    gtk_widget_set_visible(pin.widget(), true);
     host(pin.widget(), 22, 22);
     for (const Row& row : rows) {
         SCOPED_TRACE(row.lit ? "lit" : "dark");
@@ -35,8 +34,60 @@ TEST_F(LocationPinTest, IsGreenAndHaloedWhenLitAndSaysWhy)
         EXPECT_TRUE(pixelIs(image.at(2, 11), row.halo));
         EXPECT_TRUE(pixelIs(image.at(0, 0), black)) << "the halo is round";
     }
-    pin.press();
-    EXPECT_EQ(presses, 1);
+}
+
+// The menu: the origin as a title, the answers enabled only with an origin and checked from the stored
+// answer (never from a one-time one), the switch checked from the settings; its items reach the pin's owner.
+TEST_F(LocationPinTest, TheMenuShowsTheStoredAnswerAndReportsPicks)
+{
+    ScopedStores stores;
+    stores.setSettings([](AppSettings& settings) { settings.locationEnabled = true; });
+    stores.vault().update([](VaultData& data) {
+        data.locationSites["https://allowed.example"] = true;
+        data.locationSites["https://blocked.example"] = false;
+    });
+    LocationPin pin;
+    std::optional<std::string> origin;
+    pin.currentOrigin = [&] { return origin; };
+    std::vector<LocationChoice> picks;
+    std::vector<bool> toggles;
+    pin.onChoice = [&](LocationChoice choice) { picks.push_back(choice); };
+    pin.onToggleGlobalSwitch = [&](bool on) { toggles.push_back(on); };
+
+    struct Row {
+        std::optional<std::string> origin;
+        bool alwaysChecked;
+        bool neverChecked;
+    };
+    const Row rows[] = { { "https://allowed.example", true, false }, { "https://blocked.example", false, true },
+        { "https://asked.example", false, false }, { std::nullopt, false, false } };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.origin.value_or("no origin"));
+        origin = row.origin;
+        pin.refreshVisibility();
+        EXPECT_EQ(pin.isShown(), row.origin.has_value());
+        GObjectPtr<GMenuModel> menu = pin.buildMenu();
+        std::vector<MenuItem> items = itemsOf(menu.get());
+        EXPECT_EQ(items.front().label, row.origin.value_or("Allow once"));
+        EXPECT_EQ(items[items.size() - 2].label, "Location services") << "the explanation follows it";
+        GActionGroup* actions = pin.actions();
+        EXPECT_EQ(g_action_group_get_action_enabled(actions, "never"), row.origin.has_value());
+        EXPECT_EQ(actionState(actions, "alwaysAllow"), row.alwaysChecked);
+        EXPECT_EQ(actionState(actions, "never"), row.neverChecked);
+        EXPECT_TRUE(actionState(actions, "services"));
+    }
+    origin = "https://asked.example";
+    pin.buildMenu();
+    GActionGroup* actions = pin.actions();
+    g_action_group_activate_action(actions, "never", nullptr);
+    g_action_group_activate_action(actions, "allowOnce", nullptr);
+    g_action_group_activate_action(actions, "services", nullptr);
+    EXPECT_EQ(picks, (std::vector<LocationChoice> { LocationChoice::never, LocationChoice::allowOnce }));
+    EXPECT_EQ(toggles, std::vector<bool> { false }) << "a checked switch turns off";
+
+    stores.setSettings([](AppSettings& settings) { settings.locationEnabled = false; });
+    pin.refreshVisibility();
+    EXPECT_FALSE(pin.isShown()) << "the switch off leaves no pin";
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // The main menu: its order, titles and shown keys, and the window actions its items name.
 
 #include "ShellTest.h"
+#include "WidgetTestSupport.h"
 
 #include "bridge/VLDContextMenuInfo.h"
 #include "shell/tab/BrowserTab.h"
@@ -12,40 +13,6 @@ using namespace velder;
 using namespace velder::test;
 
 namespace {
-
-struct MenuItem {
-    std::string label;
-    std::string action;
-    std::string accel;
-};
-
-// The items of a menu model in order, sections flattened; with `intoSubmenus`, submenus' items instead of them.
-std::vector<MenuItem> itemsOf(GMenuModel* model, bool intoSubmenus = false)
-{
-    std::vector<MenuItem> items;
-    for (int i = 0; i < g_menu_model_get_n_items(model); ++i) {
-        GMenuModel* inner = g_menu_model_get_item_link(model, i, G_MENU_LINK_SECTION);
-        if (!inner && intoSubmenus) {
-            inner = g_menu_model_get_item_link(model, i, G_MENU_LINK_SUBMENU);
-        }
-        if (inner) {
-            auto innerItems = itemsOf(inner, intoSubmenus);
-            items.insert(items.end(), innerItems.begin(), innerItems.end());
-            g_object_unref(inner);
-            continue;
-        }
-        MenuItem& item = items.emplace_back();
-        for (auto [attribute, field] : { std::pair { G_MENU_ATTRIBUTE_LABEL, &MenuItem::label },
-                 std::pair { G_MENU_ATTRIBUTE_ACTION, &MenuItem::action }, std::pair { "accel", &MenuItem::accel } }) {
-            char* text = nullptr;
-            if (g_menu_model_get_item_attribute(model, i, attribute, "s", &text)) {
-                item.*field = text;
-                g_free(text);
-            }
-        }
-    }
-    return items;
-}
 
 class MenuBarTest : public ShellTest { };
 

@@ -300,4 +300,41 @@ void WidgetTest::drain()
     for (int i = 0; i < 1000 && g_main_context_iteration(nullptr, FALSE); ++i) { }
 }
 
+std::vector<MenuItem> itemsOf(GMenuModel* model, bool intoSubmenus)
+{
+    std::vector<MenuItem> items;
+    for (int i = 0; i < g_menu_model_get_n_items(model); ++i) {
+        GMenuModel* inner = g_menu_model_get_item_link(model, i, G_MENU_LINK_SECTION);
+        if (!inner && intoSubmenus) {
+            inner = g_menu_model_get_item_link(model, i, G_MENU_LINK_SUBMENU);
+        }
+        if (inner) {
+            auto innerItems = itemsOf(inner, intoSubmenus);
+            items.insert(items.end(), innerItems.begin(), innerItems.end());
+            g_object_unref(inner);
+            continue;
+        }
+        MenuItem& item = items.emplace_back();
+        for (auto [attribute, field] : { std::pair { G_MENU_ATTRIBUTE_LABEL, &MenuItem::label },
+                 std::pair { G_MENU_ATTRIBUTE_ACTION, &MenuItem::action }, std::pair { "accel", &MenuItem::accel } }) {
+            char* text = nullptr;
+            if (g_menu_model_get_item_attribute(model, i, attribute, "s", &text)) {
+                item.*field = text;
+                g_free(text);
+            }
+        }
+    }
+    return items;
+}
+
+bool actionState(GActionGroup* actions, const char* name)
+{
+    GVariant* state = g_action_group_get_action_state(actions, name);
+    bool on = state && g_variant_get_boolean(state);
+    if (state) {
+        g_variant_unref(state);
+    }
+    return on;
+}
+
 } // namespace velder::test

@@ -57,6 +57,19 @@ Color rgb(int red, int green, int blue);
 
 // Each test of the chrome runs in a profile of its own, with a vault of its own holding its colours, and a
 // window that hosts the widget under test.
+// An item of a menu model, as a menu shows it.
+struct MenuItem {
+    std::string label;
+    std::string action;
+    std::string accel;
+};
+
+// The items of a menu model in order, sections flattened; with `intoSubmenus`, submenus' items instead of them.
+std::vector<MenuItem> itemsOf(GMenuModel* model, bool intoSubmenus = false);
+
+// The boolean state of a stateful action (a checked menu item).
+bool actionState(GActionGroup* actions, const char* name);
+
 class WidgetTest : public ::testing::Test {
 protected:
     void SetUp() override;

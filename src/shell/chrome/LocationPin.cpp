@@ -1,12 +1,16 @@
 #include "shell/chrome/LocationPin.h"
 
+#include "core/LocationSettings.h"
 #include "core/Theme.h"
+#include "core/Vault.h"
 #include "shell/chrome/Drawing.h"
+#include "shell/chrome/MenuBuilder.h"
 #include "shell/chrome/OwnedWidget.h"
 #include "shell/chrome/PopupMenu.h"
 #include "shell/chrome/SymbolCache.h"
 
 #include <cmath>
+#include <string_view>
 
 using VelderLocationPin = velder::OwnedWidget<velder::LocationPin>;
 using VelderLocationPinClass = GtkWidgetClass;
@@ -35,6 +39,9 @@ void pressed(GtkGestureClick* gesture, int, double, double, gpointer widget)
     }
 }
 
+// The pin menu's actions, as its items name them ("pin.never").
+constexpr const char* actionNames[] = { "origin", "allowOnce", "alwaysAllow", "never", "services" };
+
 } // namespace
 
 static void velder_location_pin_class_init(VelderLocationPinClass* widgetClass)
@@ -62,15 +69,64 @@ namespace velder {
 
 LocationPin::LocationPin()
     : m_widget(GObjectPtr<GtkWidget>::adopt(GTK_WIDGET(g_object_new(velder_location_pin_get_type(), nullptr))))
+    , m_actions(GObjectPtr<GSimpleActionGroup>::adopt(g_simple_action_group_new()))
 {
     setOwner(m_widget.get(), this);
     gtk_widget_set_visible(m_widget.get(), FALSE);
+    addActions();
     describe();
 }
 
 LocationPin::~LocationPin()
 {
+    // The widget may outlive the pin in its parent: its menu's actions must not reach the pin any more.
+    gtk_widget_insert_action_group(m_widget.get(), "pin", nullptr);
+    for (const char* name : actionNames) {
+        g_signal_handlers_disconnect_by_data(g_action_map_lookup_action(G_ACTION_MAP(m_actions.get()), name), this);
+    }
     setOwner<LocationPin>(m_widget.get(), nullptr);
+}
+
+void LocationPin::addActions()
+{
+    // The menu's items. The answers that can be checked, and the switch, carry a boolean state.
+    for (const char* name : actionNames) {
+        bool checkable = std::string_view(name) != "origin" && std::string_view(name) != "allowOnce";
+        GSimpleAction* action = checkable ? g_simple_action_new_stateful(name, nullptr, g_variant_new_boolean(FALSE))
+                                          : g_simple_action_new(name, nullptr);
+        g_simple_action_set_enabled(action, std::string_view(name) != "origin"); // the origin is a title
+        g_signal_connect(action, "activate", G_CALLBACK(+[](GSimpleAction* action, GVariant*, gpointer pin) {
+            static_cast<LocationPin*>(pin)->activate(g_action_get_name(G_ACTION(action)));
+        }),
+            this);
+        g_action_map_add_action(G_ACTION_MAP(m_actions.get()), G_ACTION(action));
+        g_object_unref(action);
+    }
+    gtk_widget_insert_action_group(m_widget.get(), "pin", G_ACTION_GROUP(m_actions.get()));
+}
+
+void LocationPin::activate(std::string_view name)
+{
+    if (name == "services") {
+        GVariant* state = g_action_group_get_action_state(G_ACTION_GROUP(m_actions.get()), "services");
+        bool on = g_variant_get_boolean(state);
+        g_variant_unref(state);
+        if (auto toggle = onToggleGlobalSwitch) {
+            toggle(!on);
+        }
+        return;
+    }
+    std::optional<LocationChoice> choice;
+    if (name == "allowOnce") {
+        choice = LocationChoice::allowOnce;
+    } else if (name == "alwaysAllow") {
+        choice = LocationChoice::alwaysAllow;
+    } else if (name == "never") {
+        choice = LocationChoice::never;
+    }
+    if (auto pick = onChoice; pick && choice) {
+        pick(*choice);
+    }
 }
 
 void LocationPin::setLit(bool lit)
@@ -83,15 +139,58 @@ void LocationPin::setLit(bool lit)
     gtk_widget_queue_draw(m_widget.get());
 }
 
-void LocationPin::setShown(bool shown)
+void LocationPin::refreshVisibility()
 {
-    gtk_widget_set_visible(m_widget.get(), shown);
+    bool origin = currentOrigin && currentOrigin().has_value();
+    gtk_widget_set_visible(m_widget.get(), Vault::shared().snapshot()->settings.locationEnabled && origin);
+    describe();
+}
+
+GObjectPtr<GMenuModel> LocationPin::buildMenu()
+{
+    std::optional<std::string> origin = currentOrigin ? currentOrigin() : std::nullopt;
+    LocationAnswer stored = origin ? LocationSettings::shared().effective(*origin) : LocationAnswer::ask;
+    auto set = [this](const char* name, bool enabled, std::optional<bool> checked) {
+        GAction* action = g_action_map_lookup_action(G_ACTION_MAP(m_actions.get()), name);
+        g_simple_action_set_enabled(G_SIMPLE_ACTION(action), enabled);
+        if (checked) {
+            g_simple_action_set_state(G_SIMPLE_ACTION(action), g_variant_new_boolean(*checked));
+        }
+    };
+    set("allowOnce", origin.has_value(), std::nullopt);
+    set("alwaysAllow", origin.has_value(), stored == LocationAnswer::allow);
+    set("never", origin.has_value(), stored == LocationAnswer::block);
+    set("services", true, Vault::shared().snapshot()->settings.locationEnabled);
+
+    MenuBuilder menu;
+    if (origin) {
+        menu.section().item(origin->c_str(), "pin.origin", nullptr);
+    }
+    menu.section()
+        .item("Allow once", "pin.allowOnce", nullptr)
+        .item("Always allow", "pin.alwaysAllow", nullptr)
+        .item("Never", "pin.never", nullptr);
+    menu.section().item("Location services", "pin.services", nullptr).custom("explanation");
+    return menu.build();
 }
 
 void LocationPin::press()
 {
-    if (auto handler = onPress) {
-        handler();
+    GObjectPtr<GMenuModel> menu = buildMenu();
+    GtkWidget* widget = m_widget.get();
+    PopupMenu::popup(widget, menu.get(), 0, gtk_widget_get_height(widget) + 4);
+    // Popover menus show no tooltips: the switch's explanation is a line of its own under it.
+    if (GtkPopover* popover = PopupMenu::openMenu(widget)) {
+        GtkWidget* explanation = gtk_label_new(servicesExplanation);
+        gtk_label_set_wrap(GTK_LABEL(explanation), TRUE);
+        gtk_label_set_max_width_chars(GTK_LABEL(explanation), 30);
+        gtk_label_set_xalign(GTK_LABEL(explanation), 0);
+        gtk_widget_add_css_class(explanation, "dim-label");
+        gtk_widget_add_css_class(explanation, "caption");
+        gtk_widget_set_margin_start(explanation, 12);
+        gtk_widget_set_margin_end(explanation, 12);
+        gtk_widget_set_margin_bottom(explanation, 4);
+        gtk_popover_menu_add_child(GTK_POPOVER_MENU(popover), explanation, "explanation");
     }
 }
 

@@ -72,6 +72,15 @@ MenuBuilder& MenuBuilder::item(const char* title, const char* action, GVariant* 
     return *this;
 }
 
+MenuBuilder& MenuBuilder::custom(const char* id)
+{
+    GMenuItem* item = g_menu_item_new(nullptr, nullptr);
+    g_menu_item_set_attribute(item, "custom", "s", id);
+    g_menu_append_item(current(), item);
+    g_object_unref(item);
+    return *this;
+}
+
 MenuBuilder& MenuBuilder::submenu(const char* title, MenuBuilder& menu)
 {
     g_menu_append_submenu(current(), title, menu.model());

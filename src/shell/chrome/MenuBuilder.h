@@ -22,6 +22,8 @@ public:
     MenuBuilder& command(BrowserAction action, const char* title = nullptr);
     // An item of a window action that carries a value (a link's address, a tab's index); `target` is sunk.
     MenuBuilder& item(const char* title, const char* action, GVariant* target);
+    // A place for a widget of the menu's own, added by id once the menu is shown.
+    MenuBuilder& custom(const char* id);
     MenuBuilder& submenu(const char* title, MenuBuilder& menu);
 
     GMenuModel* model() const { return G_MENU_MODEL(m_menu.get()); }

@@ -2,7 +2,9 @@
 
 #include "bridge/VLDBrowserView.h"
 #include "bridge/VLDKeyCodes.h"
+#include "bridge/VLDPermissionRequest.h"
 #include "core/ActionTable.h"
+#include "core/LocationSettings.h"
 #include "core/Log.h"
 #include "core/Shortcuts.h"
 #include "core/UrlHelper.h"
@@ -11,12 +13,14 @@
 #include "shell/chrome/AddressBar.h"
 #include "shell/chrome/ChromeButton.h"
 #include "shell/chrome/KeyEvents.h"
+#include "shell/chrome/LocationPin.h"
 #include "shell/chrome/TabStrip.h"
 #include "shell/chrome/TitleBar.h"
 #include "shell/chrome/Toolbar.h"
 #include "shell/overlays/BlankSlate.h"
 #include "shell/overlays/FindBar.h"
 #include "shell/overlays/LinkStatus.h"
+#include "shell/overlays/LocationPrompt.h"
 #include "shell/overlays/UrlSuggestions.h"
 #include "shell/tab/BrowserTab.h"
 #include "shell/window/AddressEditing.h"
@@ -102,6 +106,7 @@ void MainWindow::buildChrome()
 
     std::weak_ptr<MainWindow> weak = weak_from_this();
     m_chrome->connect(weak);
+    wireLocationPin();
     m_leaveQuestions = std::make_unique<LeaveQuestions>(m_window.get(), [weak](BrowserTab& tab) {
         auto self = weak.lock();
         auto index = self ? self->m_tabs.indexOf(tab.shared_from_this()) : std::nullopt;
@@ -470,8 +475,8 @@ void MainWindow::refreshChrome()
         addressBar().setText(tab ? tab->url : "");
     }
     addressBar().pin().setLit(tab && tab->isLocationLit());
-    addressBar().pin().setShown(
-        Vault::shared().snapshot()->settings.locationEnabled && tab && UrlHelper::origin(tab->url).has_value());
+    addressBar().pin().refreshVisibility();
+    gtk_widget_queue_allocate(addressBar().widget());
     gtk_window_set_title(m_window.get(), tab ? tab->displayTitle().c_str() : "Velder");
     gtk_widget_set_visible(m_chrome->slate().widget(), !tab || UrlHelper::isBlank(tab->url));
     m_commands->updateStates();
@@ -552,9 +557,50 @@ bool MainWindow::findBarIsShowing() const
     return findBar().isShowing();
 }
 
+void MainWindow::wireLocationPin()
+{
+    std::weak_ptr<MainWindow> weak = weak_from_this();
+    auto resolve = [weak](LocationChoice choice) {
+        auto self = weak.lock();
+        if (auto tab = self ? self->activeTab() : nullptr) {
+            tab->resolveLocation(choice);
+        }
+    };
+    LocationPin& pin = addressBar().pin();
+    pin.currentOrigin = [weak]() -> std::optional<std::string> {
+        auto self = weak.lock();
+        auto tab = self ? self->activeTab() : nullptr;
+        return tab ? UrlHelper::origin(tab->url) : std::nullopt;
+    };
+    pin.onChoice = resolve;
+    pin.onToggleGlobalSwitch = setLocationServices;
+    m_chrome->locationBar().onChoice = resolve;
+}
+
+void MainWindow::setLocationServices(bool enabled)
+{
+    if (!enabled) {
+        for (const auto& window : WindowRegistry::shared().windows) {
+            for (const auto& tab : window->tabs()) {
+                tab->refuseParkedLocationRequest();
+            }
+        }
+    }
+    LocationSettings::shared().setEnabled(enabled);
+}
+
 void MainWindow::syncLocationBar()
 {
-    // The location prompt strip arrives with the location prompt; the pin follows refreshChrome.
+    LocationPrompt& strip = m_chrome->locationBar();
+    auto tab = activeTab();
+    if (tab && tab->pendingLocationRequest && Vault::shared().snapshot()->settings.locationEnabled) {
+        const std::string& requestOrigin = tab->pendingLocationRequest->origin();
+        strip.show(UrlHelper::origin(requestOrigin).value_or(requestOrigin));
+    } else {
+        strip.hide();
+    }
+    // The find bar keeps clear of the strip's buttons.
+    gtk_widget_set_margin_top(findBar().widget(), 12 + (strip.isShowing() ? LocationPrompt::height : 0));
 }
 
 // MARK: - Keys

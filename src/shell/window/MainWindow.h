@@ -77,7 +77,10 @@ public:
     void openFindBar();
     void closeFindBar();
     bool findBarIsShowing() const;
+    // Shows the location prompt for the active tab's parked request, or hides it.
     void syncLocationBar();
+    // The pin menu's switch: turning it off first refuses every parked request of every window.
+    static void setLocationServices(bool enabled);
 
     // The platform window.
     WindowFrame& placement() { return *m_frame; }
@@ -116,6 +119,7 @@ public:
 private:
     MainWindow(Rect frame, bool isPrivate, bool hasOwnPlacement);
     void buildChrome();
+    void wireLocationPin();
     void dispose(const std::shared_ptr<BrowserTab>& tab);
     void rememberClosed(const BrowserTab& tab);
     bool revealExistingSettingsTab();

@@ -13,6 +13,7 @@
 #include "shell/overlays/BlankSlate.h"
 #include "shell/overlays/FindBar.h"
 #include "shell/overlays/LinkStatus.h"
+#include "shell/overlays/LocationPrompt.h"
 #include "shell/overlays/UrlSuggestions.h"
 #include "shell/tab/BrowserTab.h"
 #include "shell/window/MainWindow.h"
@@ -30,6 +31,7 @@ WindowChrome::WindowChrome(GtkWindow* window, bool isPrivate)
     , m_slate(std::make_unique<BlankSlate>())
     , m_findBar(std::make_unique<FindBar>())
     , m_linkStatus(std::make_unique<LinkStatus>())
+    , m_locationBar(std::make_unique<LocationPrompt>())
     , m_suggestions(std::make_unique<UrlSuggestions>())
 {
     gtk_window_set_titlebar(window, m_titleBar->widget());
@@ -75,6 +77,12 @@ GtkWidget* WindowChrome::buildPageArea()
 
     gtk_widget_set_visible(m_slate->widget(), false);
     gtk_overlay_add_overlay(GTK_OVERLAY(overlay), m_slate->widget());
+
+    // Over the top of the page, under the find bar, which moves down while it shows.
+    GtkWidget* strip = m_locationBar->widget();
+    gtk_widget_set_halign(strip, GTK_ALIGN_FILL);
+    gtk_widget_set_valign(strip, GTK_ALIGN_START);
+    gtk_overlay_add_overlay(GTK_OVERLAY(overlay), strip);
 
     GtkWidget* bar = m_findBar->widget();
     gtk_widget_set_visible(bar, false);

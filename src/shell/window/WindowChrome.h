@@ -10,6 +10,7 @@ class AddressBar;
 class BlankSlate;
 class FindBar;
 class LinkStatus;
+class LocationPrompt;
 class MainWindow;
 class TabStrip;
 class TitleBar;
@@ -17,8 +18,9 @@ class Toolbar;
 class UrlSuggestions;
 
 // The widgets of a window round its pages: the title bar, the hidden menu bar, the toolbar, the page area
-// with what lies over it (the page menu's anchor, the blank slate, the find bar, the link status) and the suggestion
-// list that hangs under the address bar. It builds them into the window; connect() hands their events to the window.
+// with what lies over it (the page menu's anchor, the blank slate, the location prompt, the find bar, the link status)
+// and the suggestion list that hangs under the address bar. It builds them into the window; connect() hands their
+// events to the window.
 class WindowChrome {
 public:
     WindowChrome(GtkWindow* window, bool isPrivate);
@@ -34,6 +36,7 @@ public:
     FindBar& findBar() const { return *m_findBar; }
     BlankSlate& slate() const { return *m_slate; }
     LinkStatus& linkStatus() const { return *m_linkStatus; }
+    LocationPrompt& locationBar() const { return *m_locationBar; }
     GtkWidget* menuBar() const { return m_menuBar; }
     // The box that holds the tabs' views; only the active one is visible.
     GtkWidget* container() const { return m_container; }
@@ -58,6 +61,7 @@ private:
     std::unique_ptr<BlankSlate> m_slate;
     std::unique_ptr<FindBar> m_findBar;
     std::unique_ptr<LinkStatus> m_linkStatus;
+    std::unique_ptr<LocationPrompt> m_locationBar;
     std::unique_ptr<UrlSuggestions> m_suggestions;
     GtkWidget* m_menuBar = nullptr; // these belong to the window's widget tree
     GtkWidget* m_container = nullptr;
