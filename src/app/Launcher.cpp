@@ -2,6 +2,7 @@
 
 #include "app/ShellPageHost.h"
 #include "bridge/VLDBrowserView.h"
+#include "bridge/VLDGeolocation.h"
 #include "bridge/VLDInternalPages.h"
 #include "core/AppInfo.h"
 #include "core/InternalPages.h"
@@ -107,6 +108,7 @@ void Launcher::wireServices()
     }
     LocationSettings::shared().setMirror(std::make_shared<EngineLocationMirror>());
     LocationSettings::shared().onMirroredAllow = [] { PlatformLocation::noteAuthorizationForMirroredAllow(); };
+    VLDGeolocation::setPositionSource(PlatformLocation::positionSource());
 }
 
 Launcher::Handover Launcher::handOver(const LaunchRequest& request)

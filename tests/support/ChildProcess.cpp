@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <poll.h>
 #include <stdexcept>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -26,6 +27,8 @@ ChildProcess::ChildProcess(
         throw std::runtime_error("fork failed");
     }
     if (m_pid == 0) {
+        // A test that dies, or is killed at its timeout, takes its programs with it.
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
         dup2(pipeFds[1], STDERR_FILENO);
         close(pipeFds[0]);
         close(pipeFds[1]);

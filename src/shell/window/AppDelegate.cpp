@@ -1,12 +1,10 @@
 #include "shell/window/AppDelegate.h"
 
 #include "bridge/VLDBrowserView.h"
-#include "bridge/VLDGeolocation.h"
 #include "core/HistoryStore.h"
 #include "core/LocationSettings.h"
 #include "core/UrlHelper.h"
 #include "core/Vault.h"
-#include "shell/desktop/PlatformLocation.h"
 #include "shell/tab/BrowserTab.h"
 #include "shell/window/MainWindow.h"
 #include "shell/window/WindowRegistry.h"
@@ -81,7 +79,6 @@ void AppDelegate::applicationDidFinishLaunching(const LaunchRequest& request)
 {
     zoomLevel = std::clamp(Vault::shared().snapshot()->currentZoomLevel, -7.0, 9.0);
     LocationSettings::shared().startWatchingTheGlobalSwitch();
-    VLDGeolocation::setPositionSource(PlatformLocation::positionSource());
     openFirstWindows(request);
     WindowRegistry::shared().startPeriodicCapture();
 }
