@@ -109,7 +109,7 @@ void onActiveChanged(GClueClient* client, GParamSpec*, gpointer)
     log("Velder: GeoClue stopped Velder's location client; the desktop withdrew the permission.");
     dropClient();
     setStatus(PlatformLocation::denied);
-    fail("The desktop's location service withdrew the permission.");
+    fail("The desktop's location service withdrew access.");
 }
 
 void keepClient(GClueSimple* simple)
@@ -144,7 +144,8 @@ void onSimpleReady(GObject*, GAsyncResult* result, gpointer)
         && g_strcmp0(g_dbus_error_get_remote_error(error), "org.freedesktop.DBus.Error.AccessDenied") == 0;
     g_clear_error(&error);
     setStatus(accessDenied ? PlatformLocation::denied : PlatformLocation::unavailable);
-    fail(accessDenied ? "The desktop's location service refused Velder." : "No location service: " + message);
+    // What the page hears names no detail of the machine; the log has them.
+    fail(accessDenied ? "The desktop's location service refused access." : "No location service is available.");
 }
 
 void beginAttempt(bool highAccuracy)
