@@ -1,5 +1,7 @@
 #include "core/AppInfo.h"
 
+#include "core/BuildInfo.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -108,8 +110,45 @@ std::string updaterCacheDirectory()
     return cacheDirectory() + "/updater";
 }
 
+namespace {
+std::optional<std::string>& executableOverride()
+{
+    static std::optional<std::string> path;
+    return path;
+}
+} // namespace
+
+std::string executablePath()
+{
+    if (executableOverride()) {
+        return *executableOverride();
+    }
+    std::error_code error;
+    auto path = fs::read_symlink("/proc/self/exe", error);
+    return error ? std::string() : path.string();
+}
+
+void overrideExecutablePath(std::optional<std::string> path)
+{
+    executableOverride() = std::move(path);
+}
+
+std::string installRoot()
+{
+    fs::path folder = fs::path(executablePath()).parent_path();
+    return folder.parent_path().string();
+}
+
+std::string buildInfoFile()
+{
+    return installRoot() + "/share/velder/velder-info.json";
+}
+
 std::string version()
 {
+    if (auto info = BuildInfo::installed(); info && info->shortVersion && !info->shortVersion->empty()) {
+        return *info->shortVersion;
+    }
     std::string value = VELDER_VERSION;
     return value.empty() ? "0.0" : value;
 }

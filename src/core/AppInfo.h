@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace velder {
@@ -34,7 +35,17 @@ std::string previousEngineLogFile(); // "engine_log.previous.txt" in the data fo
 std::string archiveDirectory(); // the cache folder, then "archive"
 std::string updaterCacheDirectory(); // the cache folder, then "updater"
 
-// The version of this build, "0.0" if the build had none.
+// The running program, as the system names it (/proc/self/exe), unless a test put another path in place.
+std::string executablePath();
+// Tests stand a program in another place; nullopt goes back to the real one.
+void overrideExecutablePath(std::optional<std::string> path);
+// The installation the program runs from, <root>/bin/velder: the folder above the program's own.
+std::string installRoot();
+// <install root>/share/velder/velder-info.json: the release's version, update feed and key.
+std::string buildInfoFile();
+
+// The version of this build: the installation's "CFBundleShortVersionString" when it has one, else the
+// version the build was made with, "0.0" if none.
 std::string version();
 
 // Creates the data folder with any missing parents, and nothing else. Failures are ignored: later
