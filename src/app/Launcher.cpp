@@ -9,7 +9,9 @@
 #include "core/LocationSettings.h"
 #include "core/Log.h"
 #include "core/QuitDrain.h"
+#include "core/UpdateController.h"
 #include "shell/desktop/PlatformLocation.h"
+#include "shell/desktop/UpdateAlertDialogs.h"
 #include "shell/tab/EngineLocationMirror.h"
 #include "shell/window/AppDelegate.h"
 #include "shell/window/MainWindow.h"
@@ -54,7 +56,7 @@ void applicationDidFinishLaunching(GtkApplication*)
     Running& state = running();
     state.launched = true;
     Launcher::wireServices();
-    log("Velder: no update channel \xe2\x80\x94 This build has no update channel.");
+    UpdateController::shared().setAlerts(std::make_shared<UpdateAlertDialogs>());
     state.delegate->applicationDidFinishLaunching(state.request);
 }
 

@@ -4,9 +4,11 @@
 #include "WidgetTestSupport.h"
 
 #include "bridge/VLDContextMenuInfo.h"
+#include "core/UpdateController.h"
 #include "shell/tab/BrowserTab.h"
 #include "shell/window/MainWindow.h"
 #include "shell/window/MenuBar.h"
+#include "shell/window/WindowCommands.h"
 #include "shell/window/WindowMenus.h"
 
 using namespace velder;
@@ -86,7 +88,6 @@ TEST_F(MenuBarTest, ItemsNameTheWindowsActionsAndFollowItsState)
     EXPECT_FALSE(g_action_group_get_action_enabled(actions, "back"));
     EXPECT_FALSE(g_action_group_get_action_enabled(actions, "stop"));
     EXPECT_FALSE(g_action_group_get_action_enabled(actions, "reopenClosedTab"));
-    EXPECT_FALSE(g_action_group_get_action_enabled(actions, "checkForUpdates")) << "this build has no update channel";
     EXPECT_TRUE(g_action_group_get_action_enabled(actions, "newTab"));
     fakeViewOf(*window->tabs()[0])->reportLoading(true);
     EXPECT_TRUE(g_action_group_get_action_enabled(actions, "stop"));
@@ -100,4 +101,41 @@ TEST_F(MenuBarTest, ItemsNameTheWindowsActionsAndFollowItsState)
     g_action_group_activate_action(actions, "stop", nullptr);
     auto& commands = fakeViewOf(*window->tabs()[1])->commands;
     EXPECT_EQ(std::count(commands.begin(), commands.end(), "stopLoading"), 0);
+}
+
+// The update item of the menu bar and the wordmark's menu reads the controller's label as it changes, and
+// can be chosen only while nothing is going on.
+TEST_F(MenuBarTest, TheUpdateItemFollowsTheController)
+{
+    auto controller = std::make_shared<UpdateController>();
+    UpdateController::setShared(controller);
+    auto window = MainWindow::create(WindowFrame::defaultFrame(), false, false);
+    WindowRegistry::shared().windows.push_back(window);
+    auto bar = GObjectPtr<GMenuModel>::adopt(MenuBar::mainMenu());
+    auto wordmark = WindowMenus::wordmarkMenu();
+    auto labels = [&] {
+        std::vector<std::string> found;
+        for (GMenuModel* menu : { bar.get(), wordmark.get() }) {
+            for (const auto& item : itemsOf(menu, true)) {
+                if (item.action == "win.checkForUpdates") {
+                    found.push_back(item.label);
+                }
+            }
+        }
+        return found;
+    };
+    auto enabled = [&] { return g_action_group_get_action_enabled(window->actions(), "checkForUpdates"); };
+    EXPECT_EQ(labels(), (std::vector<std::string> { "Check for Updates…", "Check for Updates…" }));
+    EXPECT_TRUE(enabled());
+    controller->stage("0.2.0", [](UpdateChoice) {});
+    EXPECT_EQ(labels(), (std::vector<std::string> { "Update ready — v0.2.0", "Update ready — v0.2.0" }));
+    EXPECT_FALSE(enabled());
+
+    UpdateController::setShared(std::make_shared<UpdateController>());
+    UpdateController::shared().start(); // no backend in this build
+    EXPECT_EQ(UpdateController::shared().menuLabel(), "This build has no updater.");
+    EXPECT_EQ(itemsOf(WindowMenus::wordmarkMenu().get()).at(5).label, "This build has no updater.");
+    window->commands().updateStates();
+    EXPECT_FALSE(enabled());
+    UpdateController::setShared(nullptr);
 }

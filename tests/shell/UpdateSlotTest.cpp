@@ -1,8 +1,12 @@
 #include "WidgetTestSupport.h"
 
+#include "core/ManualTimers.h"
+#include "core/UpdateController.h"
 #include "shell/chrome/UpdateSlot.h"
+#include "support/ScopedStores.h"
 
 #include <chrono>
+#include <cmath>
 
 namespace velder::test {
 namespace {
@@ -53,27 +57,36 @@ TEST_F(UpdateSlotTest, FollowsTheUpdatersStates)
     }
 }
 
-TEST_F(UpdateSlotTest, TheTickGoesAfterItsTime)
+TEST_F(UpdateSlotTest, TheTickGoesAfterThreeSecondsAndTheSpinnerTurnsOnceASecond)
 {
-    UpdateSlot slot;
-    slot.tickDuration = std::chrono::milliseconds(20);
+    ManualTimers timers;
+    UpdateSlot slot(UpdateState::idle(), timers);
     slot.apply(UpdateState::checking());
+    timers.advance(std::chrono::milliseconds(33 * 30));
+    EXPECT_NEAR(slot.spinAngle(), 2 * M_PI, 1e-9);
     slot.apply(UpdateState::idle(), true);
-    ASSERT_TRUE(slot.isTickShowing());
-    EXPECT_TRUE(runMainLoopUntil([&] { return !slot.isTickShowing(); }));
-    drain();
+    timers.advance(std::chrono::milliseconds(2999));
+    EXPECT_TRUE(slot.isTickShowing());
+    EXPECT_DOUBLE_EQ(slot.spinAngle(), 30 * UpdateSlot::spinStep) << "the spinner stopped with the check";
+    timers.advance(std::chrono::milliseconds(1));
+    EXPECT_FALSE(slot.isTickShowing());
     EXPECT_EQ(gtk_widget_get_tooltip_text(slot.widget()), nullptr) << "the tick's tooltip goes with it";
+    EXPECT_EQ(timers.pending(), 0u);
 }
 
-TEST_F(UpdateSlotTest, TheSpinnerTurnsWhileChecking)
+TEST_F(UpdateSlotTest, FollowsTheControllerAndItsBadgeInstalls)
 {
-    UpdateSlot slot;
-    slot.apply(UpdateState::checking());
-    EXPECT_TRUE(runMainLoopUntil([&] { return slot.spinAngle() >= 3 * UpdateSlot::spinStep; }));
-    slot.apply(UpdateState::staged("0.2.0"));
-    double stopped = slot.spinAngle();
-    runMainLoopFor(3 * UpdateSlot::spinInterval);
-    EXPECT_EQ(slot.spinAngle(), stopped);
+    ScopedStores stores;
+    UpdateController controller;
+    auto slot = UpdateSlot::following(controller);
+    host(slot->widget(), UpdateSlot::side, UpdateSlot::side);
+    std::optional<UpdateChoice> reply;
+    controller.stage("0.2.0", [&](UpdateChoice choice) { reply = choice; });
+    EXPECT_STREQ(gtk_widget_get_tooltip_text(slot->widget()), "Update to v0.2.0");
+    slot->press();
+    slot->release(11, 11);
+    EXPECT_EQ(reply, UpdateChoice::install);
+    EXPECT_EQ(stores.vault().snapshot()->updateApplyAttempted, "0.2.0");
 }
 
 TEST_F(UpdateSlotTest, AClickOnTheBadgeInstalls)

@@ -27,12 +27,12 @@ public:
     MenuBuilder& submenu(const char* title, MenuBuilder& menu);
 
     GMenuModel* model() const { return G_MENU_MODEL(m_menu.get()); }
+    // Where the next item goes: the current section, or the menu itself before any.
+    GMenu* current();
     // The menu (a new reference).
     GObjectPtr<GMenuModel> build() const { return GObjectPtr<GMenuModel>::retain(model()); }
 
 private:
-    GMenu* current();
-
     bool m_showsKeys;
     GObjectPtr<GMenu> m_menu;
     GMenu* m_section = nullptr; // owned by m_menu

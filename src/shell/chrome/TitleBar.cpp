@@ -3,6 +3,7 @@
 #include "core/AppInfo.h"
 #include "core/Palette.h"
 #include "core/Theme.h"
+#include "core/UpdateController.h"
 #include "shell/chrome/ChromeButton.h"
 #include "shell/chrome/TabStrip.h"
 #include "shell/chrome/TitlebarRow.h"
@@ -15,7 +16,7 @@ namespace velder {
 TitleBar::TitleBar(bool isPrivate)
     : m_row(std::make_unique<TitlebarRow>())
     , m_strip(std::make_unique<TabStrip>())
-    , m_updateSlot(std::make_unique<UpdateSlot>(UpdateState::idle()))
+    , m_updateSlot(UpdateSlot::following(UpdateController::shared()))
 {
     m_row->append(gtk_window_controls_new(GTK_PACK_START));
 

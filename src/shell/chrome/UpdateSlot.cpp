@@ -2,6 +2,7 @@
 
 #include "core/Palette.h"
 #include "core/Theme.h"
+#include "core/UpdateController.h"
 #include "shell/chrome/Drawing.h"
 #include "shell/chrome/OwnedWidget.h"
 #include "shell/chrome/PressGesture.h"
@@ -42,9 +43,10 @@ static void velder_update_slot_init(VelderUpdateSlot* self)
 
 namespace velder {
 
-UpdateSlot::UpdateSlot(UpdateState initial)
+UpdateSlot::UpdateSlot(UpdateState initial, Timers& timers)
     : m_widget(GObjectPtr<GtkWidget>::adopt(GTK_WIDGET(g_object_new(velder_update_slot_get_type(), nullptr))))
     , m_state(std::move(initial))
+    , m_timers(timers)
 {
     setOwner(m_widget.get(), this);
     if (m_state.value == UpdateState::Case::checking) {
@@ -54,12 +56,28 @@ UpdateSlot::UpdateSlot(UpdateState initial)
     m_themeToken = Themed::subscribeToTheme(m_widget.get(), nullptr);
 }
 
+std::unique_ptr<UpdateSlot> UpdateSlot::following(UpdateController& controller)
+{
+    auto slot = std::make_unique<UpdateSlot>(controller.state());
+    UpdateSlot* self = slot.get();
+    slot->m_stateToken = NotificationCenter::defaultCenter().addObserver(
+        UpdateController::stateDidChangeNotification, [self, &controller](const Notification& note) {
+            if (note.object == &controller) {
+                auto clean = note.userInfo.find("clean");
+                self->apply(controller.state(), clean != note.userInfo.end() && clean->second);
+            }
+        });
+    slot->onApplyStaged = [&controller] { controller.applyStagedUpdate(); };
+    return slot;
+}
+
 UpdateSlot::~UpdateSlot()
 {
+    m_stateToken.remove();
     setOwner<UpdateSlot>(m_widget.get(), nullptr);
     stopSpinning();
     if (m_tickTimer) {
-        g_source_remove(m_tickTimer);
+        m_timers.cancel(*m_tickTimer);
     }
 }
 
@@ -91,7 +109,7 @@ void UpdateSlot::apply(const UpdateState& state, bool clean)
 
 bool UpdateSlot::isTickShowing() const
 {
-    return m_tickTimer != 0;
+    return m_tickTimer.has_value();
 }
 
 void UpdateSlot::startSpinning()
@@ -99,39 +117,28 @@ void UpdateSlot::startSpinning()
     if (m_spinTimer) {
         return;
     }
-    m_spinTimer = g_timeout_add_full(
-        G_PRIORITY_DEFAULT, static_cast<guint>(spinInterval.count()),
-        [](gpointer data) -> gboolean {
-            auto* slot = static_cast<UpdateSlot*>(data);
-            slot->m_spinAngle += spinStep;
-            slot->redraw();
-            return G_SOURCE_CONTINUE;
-        },
-        this, nullptr);
+    m_spinTimer = m_timers.schedule(spinInterval, true, [this] {
+        m_spinAngle += spinStep;
+        redraw();
+    });
 }
 
 void UpdateSlot::stopSpinning()
 {
     if (m_spinTimer) {
-        g_source_remove(m_spinTimer);
-        m_spinTimer = 0;
+        m_timers.cancel(*std::exchange(m_spinTimer, std::nullopt));
     }
 }
 
 void UpdateSlot::showTick()
 {
     if (m_tickTimer) {
-        g_source_remove(m_tickTimer);
+        m_timers.cancel(*m_tickTimer);
     }
-    m_tickTimer = g_timeout_add_full(
-        G_PRIORITY_DEFAULT, static_cast<guint>(tickDuration.count()),
-        [](gpointer data) -> gboolean {
-            auto* slot = static_cast<UpdateSlot*>(data);
-            slot->m_tickTimer = 0;
-            slot->cancelTick();
-            return G_SOURCE_REMOVE;
-        },
-        this, nullptr);
+    m_tickTimer = m_timers.schedule(tickDuration, false, [this] {
+        m_tickTimer.reset();
+        cancelTick();
+    });
     refreshTooltip();
     redraw();
 }
@@ -139,8 +146,7 @@ void UpdateSlot::showTick()
 void UpdateSlot::cancelTick()
 {
     if (m_tickTimer) {
-        g_source_remove(m_tickTimer);
-        m_tickTimer = 0;
+        m_timers.cancel(*std::exchange(m_tickTimer, std::nullopt));
     }
     refreshTooltip();
     redraw();

@@ -1,16 +1,21 @@
 #pragma once
 
+#include "core/NotificationCenter.h"
+#include "core/Timers.h"
+#include "core/UpdateState.h"
 #include "glib/GObjectPtr.h"
 #include "shell/chrome/Themed.h"
-#include "shell/chrome/UpdateState.h"
 
 #include <chrono>
 #include <functional>
 #include <gtk/gtk.h>
+#include <memory>
 #include <optional>
 #include <string>
 
 namespace velder {
+
+class UpdateController;
 
 // The small control at the end of the title bar that shows what the updater does: a spinner while a
 // check runs, a badge while an update waits (a click installs it), and a tick for 3 seconds after a
@@ -18,14 +23,17 @@ namespace velder {
 class UpdateSlot {
 public:
     static constexpr int side = 22;
-    // How long the tick shows: 3 seconds, or what a test sets before applying.
-    std::chrono::milliseconds tickDuration { 3000 };
+    // How long the tick shows.
+    static constexpr std::chrono::milliseconds tickDuration { 3000 };
     // The spinner turns 12 degrees every 1/30 of a second: once a second.
     static constexpr std::chrono::milliseconds spinInterval { 33 };
     static constexpr double spinStep = 0.20943951023931953;
 
-    // A slot made during a check spins, but never shows that check's tick.
-    explicit UpdateSlot(UpdateState initial = UpdateState::idle());
+    // A slot made during a check spins, but never shows that check's tick. The spinner and the tick run on
+    // `timers`, which tests own.
+    explicit UpdateSlot(UpdateState initial = UpdateState::idle(), Timers& timers = Timers::mainLoop());
+    // A slot that shows the controller's state from now on, and installs its staged update at a click.
+    static std::unique_ptr<UpdateSlot> following(UpdateController& controller);
     ~UpdateSlot();
     UpdateSlot(const UpdateSlot&) = delete;
     UpdateSlot& operator=(const UpdateSlot&) = delete;
@@ -39,7 +47,7 @@ public:
     void apply(const UpdateState& state, bool clean = false);
 
     const UpdateState& state() const { return m_state; }
-    bool isSpinning() const { return m_spinTimer != 0; }
+    bool isSpinning() const { return m_spinTimer.has_value(); }
     bool isTickShowing() const;
     double spinAngle() const { return m_spinAngle; }
 
@@ -62,12 +70,14 @@ private:
 
     GObjectPtr<GtkWidget> m_widget;
     UpdateState m_state;
-    guint m_tickTimer = 0;
+    Timers& m_timers;
+    std::optional<Timers::Id> m_tickTimer;
     bool m_watchedCheckStart = false;
     double m_spinAngle = 0;
-    guint m_spinTimer = 0;
+    std::optional<Timers::Id> m_spinTimer;
     bool m_isTracking = false;
     Themed::Token m_themeToken;
+    NotificationCenter::Token m_stateToken;
 };
 
 } // namespace velder

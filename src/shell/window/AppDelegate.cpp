@@ -3,6 +3,7 @@
 #include "bridge/VLDBrowserView.h"
 #include "core/HistoryStore.h"
 #include "core/LocationSettings.h"
+#include "core/UpdateController.h"
 #include "core/UrlHelper.h"
 #include "core/Vault.h"
 #include "shell/tab/BrowserTab.h"
@@ -79,6 +80,7 @@ void AppDelegate::applicationDidFinishLaunching(const LaunchRequest& request)
 {
     zoomLevel = std::clamp(Vault::shared().snapshot()->currentZoomLevel, -7.0, 9.0);
     LocationSettings::shared().startWatchingTheGlobalSwitch();
+    UpdateController::shared().start();
     openFirstWindows(request);
     WindowRegistry::shared().startPeriodicCapture();
 }

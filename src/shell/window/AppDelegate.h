@@ -30,7 +30,8 @@ public:
     const std::deque<std::string>& closedTabs() const { return m_closedTabs; }
 
     // The launch order's part that opens windows: the zoom from the vault, the location switch watch, the
-    // first windows (what the command line asked for, else the saved session), the periodic session capture.
+    // update controller (which first judges the last self-update), the first windows (what the command line
+    // asked for, else the saved session), the periodic session capture.
     void applicationDidFinishLaunching(const LaunchRequest& request);
     // The quit order: the last session capture, every window's browsers asked to close, then the vault and
     // the history written before the process goes.

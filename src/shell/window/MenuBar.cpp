@@ -2,6 +2,7 @@
 
 #include "glib/MainLoop.h"
 #include "shell/chrome/MenuBuilder.h"
+#include "shell/window/UpdateMenuItem.h"
 
 #include <cstring>
 #include <memory>
@@ -14,8 +15,8 @@ GMenuModel* mainMenu()
     MenuBuilder bar;
 
     MenuBuilder velder(true);
-    // This build has no update feed: the item says so, and stays off.
-    velder.section().command("about").command("checkForUpdates", "This build has no update channel.");
+    velder.section().command("about");
+    UpdateMenuItem::appendTo(velder);
     velder.section().command(Kind::settings);
     velder.section().command("quit");
     bar.submenu("_Velder", velder);

@@ -3,6 +3,7 @@
 #include "bridge/VLDBrowserView.h"
 #include "bridge/VLDInternalAddress.h"
 #include "core/ActionTable.h"
+#include "core/UpdateController.h"
 #include "core/Vault.h"
 #include "shell/chrome/AddressBar.h"
 #include "shell/chrome/KeyboardFocus.h"
@@ -124,14 +125,15 @@ void WindowCommands::addWindowCommands()
     for (auto [name, focusAction] : edits) {
         add(name, nullptr, [focusAction](MainWindow& window, GVariant*) { forwardToFocus(window, focusAction); });
     }
-    // Shown but not available: the tab menu's items that don't apply, and the updater's, since this build
-    // has no update channel.
-    for (const char* name : { "unavailable", "checkForUpdates" }) {
-        GSimpleAction* off = g_simple_action_new(name, nullptr);
-        g_simple_action_set_enabled(off, false);
-        g_action_map_add_action(G_ACTION_MAP(m_group.get()), G_ACTION(off));
-        g_object_unref(off);
-    }
+    // Shown but not available: the tab menu's items that don't apply.
+    GSimpleAction* off = g_simple_action_new("unavailable", nullptr);
+    g_simple_action_set_enabled(off, false);
+    g_action_map_add_action(G_ACTION_MAP(m_group.get()), G_ACTION(off));
+    g_object_unref(off);
+    // The updater's item: a check the user asked for, when the controller can start one.
+    add("checkForUpdates", nullptr, [](MainWindow&, GVariant*) { UpdateController::shared().checkForUpdates(); });
+    m_updateToken = NotificationCenter::defaultCenter().addObserver(
+        UpdateController::stateDidChangeNotification, [this](const Notification&) { updateStates(); });
 }
 
 void WindowCommands::addMenuItems()
@@ -186,6 +188,9 @@ void WindowCommands::addMenuItems()
 
 void WindowCommands::updateStates()
 {
+    if (GAction* update = g_action_map_lookup_action(G_ACTION_MAP(m_group.get()), "checkForUpdates")) {
+        g_simple_action_set_enabled(G_SIMPLE_ACTION(update), UpdateController::shared().menuItemEnabled());
+    }
     for (const ActionRow& row : ActionTable::rows()) {
         if (!row.action) {
             continue;

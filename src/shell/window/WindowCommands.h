@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/BrowserAction.h"
+#include "core/NotificationCenter.h"
 #include "glib/GObjectPtr.h"
 
 #include <functional>
@@ -36,6 +37,7 @@ private:
 
     MainWindow& m_window;
     GObjectPtr<GSimpleActionGroup> m_group;
+    NotificationCenter::Token m_updateToken;
 };
 
 } // namespace velder

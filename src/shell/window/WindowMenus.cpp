@@ -6,6 +6,7 @@
 #include "shell/chrome/MenuBuilder.h"
 #include "shell/chrome/PopupMenu.h"
 #include "shell/window/MainWindow.h"
+#include "shell/window/UpdateMenuItem.h"
 #include "shell/window/WindowCommands.h"
 
 #include <gtk/gtk.h>
@@ -46,8 +47,7 @@ GObjectPtr<GMenuModel> wordmarkMenu()
         .command(Kind::settings, "Settings")
         .command(Kind::history, "History")
         .command("about", about.c_str());
-    // This build has no update feed, so the item says so and stays disabled.
-    menu.section().command("checkForUpdates", "This build has no update channel.");
+    UpdateMenuItem::appendTo(menu.section());
     menu.section().command("quit");
     return menu.build();
 }
