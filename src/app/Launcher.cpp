@@ -5,6 +5,7 @@
 #include "bridge/VLDGeolocation.h"
 #include "bridge/VLDInternalPages.h"
 #include "core/AppInfo.h"
+#include "core/BuildInfo.h"
 #include "core/InternalPages.h"
 #include "core/LocationSettings.h"
 #include "core/Log.h"
@@ -16,6 +17,7 @@
 #include "shell/window/AppDelegate.h"
 #include "shell/window/MainWindow.h"
 #include "shell/window/WindowRegistry.h"
+#include "update/VelderUpdater.h"
 
 #include <algorithm>
 #include <chrono>
@@ -35,6 +37,7 @@ struct Running {
     LaunchRequest request;
     std::unique_ptr<AppDelegate> delegate;
     bool launched = false;
+    std::optional<std::string> relaunch; // the program an installed update put in place
 };
 
 Running& running()
@@ -51,12 +54,29 @@ void addAction(GtkApplication* application, const char* name, const GVariantType
     g_object_unref(action);
 }
 
+// The updater's backend and alerts, for the controller that the delegate starts. An installed update
+// quits Velder through the normal quit path, and main() starts the new program once this one is done.
+void wireUpdater()
+{
+    UpdateController& updates = UpdateController::shared();
+    updates.setAlerts(std::make_shared<UpdateAlertDialogs>());
+    updates.setBackend([](UpdateController& controller, UpdateUserDriver& driver) {
+        return std::make_unique<VelderUpdater>(
+            controller, driver, BuildInfo::installed().value_or(BuildInfo {}), [](const std::string& program) {
+                running().relaunch = program;
+                if (GApplication* application = g_application_get_default()) {
+                    g_application_quit(application);
+                }
+            });
+    });
+}
+
 void applicationDidFinishLaunching(GtkApplication*)
 {
     Running& state = running();
     state.launched = true;
     Launcher::wireServices();
-    UpdateController::shared().setAlerts(std::make_shared<UpdateAlertDialogs>());
+    wireUpdater();
     state.delegate->applicationDidFinishLaunching(state.request);
 }
 
@@ -201,6 +221,11 @@ int Launcher::run(GtkApplication* application, const LaunchRequest& request)
     int status = g_application_run(G_APPLICATION(application), 0, noArguments);
     drainAfterQuit();
     return status;
+}
+
+std::optional<std::string> Launcher::programToRelaunch()
+{
+    return running().relaunch;
 }
 
 void Launcher::drainAfterQuit()

@@ -3,6 +3,7 @@
 #include "core/LaunchRequest.h"
 
 #include <gtk/gtk.h>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,9 @@ public:
     // the loop's last turns, bounded by QuitDrain: at least half a second for the pages' last words and the
     // stores' writes, at most two.
     static int run(GtkApplication* application, const LaunchRequest& request);
+
+    // The program an installed update put in place of this one, to be started once run() has returned.
+    static std::optional<std::string> programToRelaunch();
 
 private:
     static void drainAfterQuit();

@@ -26,3 +26,5 @@ check_refused src/shell/chrome/Stray.cpp bridge/VLDBrowserView.h "the drawn chro
 check_refused src/shell/overlays/Stray.h shell/window/MainWindow.h "the overlays over the page"
 check_refused src/shell/tab/Stray.cpp shell/window/MainWindow.h "a tab knows no window"
 check_refused src/core/Stray.cpp gtk/gtk.h "the core is plain C++"
+check_refused src/update/Stray.cpp gtk/gtk.h "the updater's backend knows no toolkit"
+check_refused src/shell/window/Stray.cpp update/VelderUpdater.h "the shell doesn't know the app"

@@ -6,6 +6,7 @@
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/x509.h>
+#include <openssl/x509v3.h>
 #include <stdexcept>
 
 namespace velder::test {
@@ -29,8 +30,9 @@ std::string toPEM(const std::function<int(BIO*)>& write)
     return text;
 }
 
-// A certificate for "localhost", signed with its own key, valid for a day.
-GTlsCertificate* selfSignedCertificate()
+// A certificate signed with its own key, valid for a day: for "localhost", or for the address 127.0.0.1 (as
+// an authority of its own, so that a client can be told to trust it alone). Its PEM goes to `pem`.
+GTlsCertificate* selfSignedCertificate(bool forLoopback, std::string* certificatePem)
 {
     EVP_PKEY* key = EVP_RSA_gen(2048);
     X509* certificate = X509_new();
@@ -40,11 +42,22 @@ GTlsCertificate* selfSignedCertificate()
     X509_gmtime_adj(X509_getm_notAfter(certificate), 24 * 3600);
     X509_set_pubkey(certificate, key);
     X509_NAME* name = X509_get_subject_name(certificate);
-    X509_NAME_add_entry_by_txt(
-        name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>("localhost"), -1, -1, 0);
+    const char* host = forLoopback ? "127.0.0.1" : "localhost";
+    X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>(host), -1, -1, 0);
     X509_set_issuer_name(certificate, name);
+    if (forLoopback) {
+        X509V3_CTX context;
+        X509V3_set_ctx(&context, certificate, certificate, nullptr, nullptr, 0);
+        for (auto [nid, value] : { std::pair { NID_subject_alt_name, "IP:127.0.0.1" },
+                 std::pair { NID_basic_constraints, "critical,CA:TRUE" } }) {
+            X509_EXTENSION* extension = X509V3_EXT_conf_nid(nullptr, &context, nid, value);
+            X509_add_ext(certificate, extension, -1);
+            X509_EXTENSION_free(extension);
+        }
+    }
     X509_sign(certificate, key, EVP_sha256());
-    std::string pem = toPEM([&](BIO* bio) { return PEM_write_bio_X509(bio, certificate); })
+    *certificatePem = toPEM([&](BIO* bio) { return PEM_write_bio_X509(bio, certificate); });
+    std::string pem = *certificatePem
         + toPEM([&](BIO* bio) { return PEM_write_bio_PrivateKey(bio, key, nullptr, nullptr, 0, nullptr, nullptr); });
     X509_free(certificate);
     EVP_PKEY_free(key);
@@ -64,8 +77,8 @@ TestServer::TestServer(Scheme scheme)
     : m_scheme(scheme)
 {
     m_server = soup_server_new(nullptr, nullptr);
-    if (scheme == Scheme::https) {
-        GTlsCertificate* certificate = selfSignedCertificate();
+    if (scheme != Scheme::http) {
+        GTlsCertificate* certificate = selfSignedCertificate(scheme == Scheme::pinnedHttps, &m_certificatePem);
         soup_server_set_tls_certificate(m_server, certificate);
         g_object_unref(certificate);
     }
@@ -73,7 +86,7 @@ TestServer::TestServer(Scheme scheme)
         m_server, nullptr, reinterpret_cast<SoupServerCallback>(&TestServer::handle), this, nullptr);
     GError* error = nullptr;
     auto options = static_cast<SoupServerListenOptions>(
-        SOUP_SERVER_LISTEN_IPV4_ONLY | (scheme == Scheme::https ? SOUP_SERVER_LISTEN_HTTPS : 0));
+        SOUP_SERVER_LISTEN_IPV4_ONLY | (scheme != Scheme::http ? SOUP_SERVER_LISTEN_HTTPS : 0));
     if (!soup_server_listen_local(m_server, 0, options, &error)) {
         std::string message = error->message;
         g_error_free(error);
@@ -96,7 +109,7 @@ TestServer::~TestServer()
 
 std::string TestServer::url(const std::string& path) const
 {
-    return std::string(m_scheme == Scheme::https ? "https" : "http") + "://127.0.0.1:" + std::to_string(m_port) + path;
+    return std::string(m_scheme != Scheme::http ? "https" : "http") + "://127.0.0.1:" + std::to_string(m_port) + path;
 }
 
 void TestServer::route(const std::string& path, TestResponse response)

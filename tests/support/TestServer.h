@@ -37,16 +37,18 @@ struct TestResponse {
 class TestServer {
 public:
     using Handler = std::function<TestResponse(const TestRequest&)>;
-    enum class Scheme { http, https };
+    enum class Scheme { http, https, pinnedHttps };
 
     // With https, the server shows a certificate it signed itself for "localhost", which no browser
-    // accepts: the certificate's authority is unknown and its name isn't 127.0.0.1.
+    // accepts: the certificate's authority is unknown and its name isn't 127.0.0.1. With pinnedHttps, one
+    // for 127.0.0.1 that a client trusts when told to trust certificatePem() (the updater's pinning).
     explicit TestServer(Scheme scheme = Scheme::http);
     ~TestServer();
     TestServer(const TestServer&) = delete;
     TestServer& operator=(const TestServer&) = delete;
 
     int port() const { return m_port; }
+    const std::string& certificatePem() const { return m_certificatePem; }
     // "http://127.0.0.1:<port>" (or https) followed by the path.
     std::string url(const std::string& path) const;
 
@@ -65,6 +67,7 @@ private:
     SoupServer* m_server = nullptr;
     int m_port = 0;
     Scheme m_scheme;
+    std::string m_certificatePem;
     std::map<std::string, Handler> m_routes;
     std::vector<TestRequest> m_requests;
     std::vector<std::pair<unsigned, void*>> m_held; // timeout source, paused message
