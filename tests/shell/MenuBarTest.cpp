@@ -8,7 +8,6 @@
 #include "shell/tab/BrowserTab.h"
 #include "shell/window/MainWindow.h"
 #include "shell/window/MenuBar.h"
-#include "shell/window/WindowCommands.h"
 #include "shell/window/WindowMenus.h"
 
 using namespace velder;
@@ -129,13 +128,6 @@ TEST_F(MenuBarTest, TheUpdateItemFollowsTheController)
     EXPECT_TRUE(enabled());
     controller->stage("0.2.0", [](UpdateChoice) {});
     EXPECT_EQ(labels(), (std::vector<std::string> { "Update ready — v0.2.0", "Update ready — v0.2.0" }));
-    EXPECT_FALSE(enabled());
-
-    UpdateController::setShared(std::make_shared<UpdateController>());
-    UpdateController::shared().start(); // no backend in this build
-    EXPECT_EQ(UpdateController::shared().menuLabel(), "This build has no updater.");
-    EXPECT_EQ(itemsOf(WindowMenus::wordmarkMenu().get()).at(5).label, "This build has no updater.");
-    window->commands().updateStates();
     EXPECT_FALSE(enabled());
     UpdateController::setShared(nullptr);
 }

@@ -1,6 +1,7 @@
 #include "support/TestSigner.h"
 
 #include <glib.h>
+#include <memory>
 #include <openssl/evp.h>
 
 namespace velder::test {
@@ -9,10 +10,8 @@ namespace {
 
 std::string base64(const unsigned char* bytes, size_t size)
 {
-    gchar* text = g_base64_encode(bytes, size);
-    std::string result(text);
-    g_free(text);
-    return result;
+    std::unique_ptr<gchar, decltype(&g_free)> text(g_base64_encode(bytes, size), g_free);
+    return text.get();
 }
 
 } // namespace
