@@ -141,7 +141,8 @@ std::string installRoot()
 
 std::string buildInfoFile()
 {
-    return installRoot() + "/share/velder/velder-info.json";
+    std::string root = installRoot();
+    return root.empty() ? std::string() : root + "/share/velder/velder-info.json";
 }
 
 std::string version()
