@@ -11,6 +11,7 @@
 #include "core/Vault.h"
 #include "core/VersionArchive.h"
 
+#include <filesystem>
 #include <mutex>
 
 namespace velder {
@@ -186,8 +187,11 @@ void UpdateController::evaluatePreviousApplyAttempt()
             data.updateApplyFailed.reset();
         }
     });
-    // The new version has started: the tree it replaced is no longer needed.
+    // The new version has started: the tree it replaced, and the download and unpacked tree it came from, are
+    // no longer needed.
     InstallSwap::removePrevious(AppInfo::installRoot());
+    std::error_code ignored;
+    std::filesystem::remove_all(AppInfo::updaterCacheDirectory(), ignored);
 }
 
 void UpdateController::reportRefusal(const std::string& version)

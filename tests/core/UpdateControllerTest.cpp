@@ -209,6 +209,7 @@ TEST_F(UpdateControllerTest, ARestartJudgesTheLastInstallOnce)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         std::filesystem::create_directories(InstallSwap::previousOf(install.root()));
+        std::filesystem::create_directories(AppInfo::updaterCacheDirectory() + "/Installation/" + row.attempted);
         stores.vault().update([&](VaultData& data) {
             data.updateApplyAttempted = row.attempted;
             data.updateApplyFailed = row.failedBefore;
@@ -226,6 +227,7 @@ TEST_F(UpdateControllerTest, ARestartJudgesTheLastInstallOnce)
         }
         EXPECT_EQ(std::filesystem::exists(InstallSwap::previousOf(install.root())), row.alert != nullptr)
             << "the tree put aside goes once the new version has started";
+        EXPECT_EQ(std::filesystem::exists(AppInfo::updaterCacheDirectory()), row.alert != nullptr);
     }
 }
 
