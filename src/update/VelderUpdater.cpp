@@ -8,9 +8,11 @@
 #include "core/UpdateController.h"
 #include "core/UpdateSignature.h"
 #include "core/UpdateUserDriver.h"
+#include "glib/MainLoop.h"
 #include "update/ArchiveUnpacker.h"
 
 #include <filesystem>
+#include <thread>
 
 namespace velder {
 
@@ -150,43 +152,73 @@ void VelderUpdater::download(const AppcastItem& item)
 
 void VelderUpdater::downloaded(const AppcastItem& item, const std::string& path)
 {
-    std::string version = item.displayVersionString();
-    // Length and signature come first: nothing else reads bytes that aren't the publisher's.
-    auto bytes = FileIO::readWhole(path);
-    if (!bytes) {
-        refuse(version, "the download can't be read", path);
-        return;
-    }
-    if (item.length && *item.length != static_cast<std::int64_t>(bytes->size())) {
-        refuse(version, "it is " + std::to_string(bytes->size()) + " bytes long, not " + std::to_string(*item.length),
-            path);
-        return;
-    }
-    if (auto refusal = UpdateSignature::refusal(*bytes, item.edSignature, m_info.publicEdKey.value_or(""))) {
-        refuse(version, *refusal, path);
-        return;
-    }
-    bytes.reset();
-    m_controller.updaterDidDownloadUpdate();
+    // Length and signature come first: nothing else reads bytes that aren't the publisher's. The reading and
+    // the unpacking run beside the main loop, so that the windows and their spinners go on meanwhile.
+    std::string key = m_info.publicEdKey.value_or("");
+    aside(
+        [item, path, key]() -> std::optional<std::string> {
+            auto bytes = FileIO::readWhole(path);
+            if (!bytes) {
+                return "the download can't be read";
+            }
+            if (item.length && *item.length != static_cast<std::int64_t>(bytes->size())) {
+                return "it is " + std::to_string(bytes->size()) + " bytes long, not " + std::to_string(*item.length);
+            }
+            return UpdateSignature::refusal(*bytes, item.edSignature, key);
+        },
+        [this, item, path](const std::optional<std::string>& refusal) {
+            if (refusal) {
+                refuse(item.displayVersionString(), *refusal, path);
+                return;
+            }
+            m_controller.updaterDidDownloadUpdate();
+            unpack(item.displayVersionString(), path);
+        });
+}
+
+void VelderUpdater::unpack(const std::string& version, const std::string& path)
+{
     std::string tree = installationDirectory() + "/" + version;
-    if (auto refusal = ArchiveUnpacker::unpack(path, tree)) {
-        refuse(version, *refusal, path);
-        return;
-    }
-    std::error_code error;
-    if (!fs::is_regular_file(tree + "/bin/velder", error)) {
-        fs::remove_all(tree, error);
-        refuse(version, "the archive holds no bin/velder", path);
-        return;
-    }
-    m_readyVersion = version;
+    aside(
+        [path, tree]() -> std::optional<std::string> {
+            if (auto refusal = ArchiveUnpacker::unpack(path, tree)) {
+                return refusal;
+            }
+            std::error_code error;
+            if (!fs::is_regular_file(tree + "/bin/velder", error)) {
+                fs::remove_all(tree, error);
+                return "the archive holds no bin/velder";
+            }
+            return std::nullopt;
+        },
+        [this, version, path, tree](const std::optional<std::string>& refusal) {
+            if (refusal) {
+                refuse(version, *refusal, path);
+                return;
+            }
+            m_readyVersion = version;
+            std::weak_ptr<bool> alive = m_alive;
+            m_driver.showReady([this, alive, version, tree](UpdateChoice choice) {
+                if (alive.lock() && choice == UpdateChoice::install) {
+                    install(version, tree);
+                }
+            });
+            endCycle(std::nullopt);
+        });
+}
+
+void VelderUpdater::aside(
+    std::function<std::optional<std::string>()> work, std::function<void(const std::optional<std::string>&)> done)
+{
     std::weak_ptr<bool> alive = m_alive;
-    m_driver.showReady([this, alive, version, tree](UpdateChoice choice) {
-        if (alive.lock() && choice == UpdateChoice::install) {
-            install(version, tree);
-        }
-    });
-    endCycle(std::nullopt);
+    std::thread([work = std::move(work), done = std::move(done), alive] {
+        auto result = work();
+        MainLoop::post([done, alive, result] {
+            if (alive.lock()) {
+                done(result);
+            }
+        });
+    }).detach();
 }
 
 void VelderUpdater::install(const std::string& version, const std::string& tree)

@@ -22,7 +22,8 @@ class UpdateUserDriver;
 // the installation's place and `relaunch` is given the new program to start in place of this one.
 //
 // The cache: $XDG_CACHE_HOME/Velder/updater/PersistentDownloads/ for the archive,
-// .../updater/Installation/<version>/ for the unpacked tree. Main thread only.
+// .../updater/Installation/<version>/ for the unpacked tree. Main thread only; the reading, checking and
+// unpacking of a download run on a thread of their own, and report back on the main loop.
 class VelderUpdater final : public Updater {
 public:
     using Relaunch = std::function<void(const std::string& program)>;
@@ -41,6 +42,11 @@ private:
     void feedArrived(const std::string& body);
     void download(const AppcastItem& item);
     void downloaded(const AppcastItem& item, const std::string& path);
+    void unpack(const std::string& version, const std::string& path);
+    // Runs `work` on a thread of its own and hands its answer to `done` on the main loop, unless this
+    // updater has gone by then.
+    void aside(
+        std::function<std::optional<std::string>()> work, std::function<void(const std::optional<std::string>&)> done);
     void install(const std::string& version, const std::string& tree);
     // A refusal: logged, what was downloaded or unpacked deleted, and the cycle ends with the reason.
     void refuse(const std::string& version, const std::string& why, const std::string& path);
