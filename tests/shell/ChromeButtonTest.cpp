@@ -1,5 +1,6 @@
 #include "WidgetTestSupport.h"
 
+#include "glib/GCharPtr.h"
 #include "shell/chrome/ChromeButton.h"
 #include "shell/chrome/PopupMenu.h"
 #include "shell/chrome/SymbolCache.h"
@@ -181,10 +182,15 @@ TEST_F(ChromeButtonTest, SymbolCacheKeepsKnownSymbolsByNameSizeWeightAndScale)
     ASSERT_NE(first, nullptr);
     EXPECT_EQ(SymbolCache::image("view-refresh-symbolic", 13, 500), first);
     std::size_t afterOne = SymbolCache::count();
-    EXPECT_NE(SymbolCache::image("view-refresh-symbolic", 10, 500), first);
+    EXPECT_NE(SymbolCache::image("view-refresh-symbolic", 10, 500), nullptr);
     EXPECT_NE(SymbolCache::image("view-refresh-symbolic", 13, 600), nullptr);
     EXPECT_NE(SymbolCache::image("view-refresh-symbolic", 13, 500, 2), first);
     EXPECT_EQ(SymbolCache::count(), afterOne + 3) << "each size, weight and scale has an entry of its own";
+
+    // A ready bitmap of the theme, never the scalable image, whose decoder would cost megabytes to load.
+    GObjectPtr<GFile> file = GObjectPtr<GFile>::adopt(gtk_icon_paintable_get_file(GTK_ICON_PAINTABLE(first)));
+    GCharPtr path(file ? g_file_get_path(file.get()) : nullptr);
+    EXPECT_TRUE(g_str_has_suffix(path.get(), ".png")) << toString(path);
 }
 
 } // namespace

@@ -20,6 +20,16 @@ std::unordered_map<std::string, GObjectPtr<GtkIconPaintable>>& images()
 
 } // namespace
 
+int lookupSize(int pixels)
+{
+    for (int fixed : { 16, 24, 32, 48, 64, 96 }) {
+        if (pixels <= fixed) {
+            return fixed;
+        }
+    }
+    return pixels;
+}
+
 int pixelSize(double pointSize)
 {
     return static_cast<int>(std::lround(pointSize * 16 / 13));
@@ -52,7 +62,7 @@ GdkPaintable* image(const std::string& name, double pointSize, int weight, int s
     }
     // Adwaita's symbolic icons come in one weight; the weight only tells cached sizes apart.
     auto icon = GObjectPtr<GtkIconPaintable>::adopt(gtk_icon_theme_lookup_icon(theme, name.c_str(), nullptr,
-        pixelSize(pointSize), std::max(scale, 1), GTK_TEXT_DIR_NONE, GtkIconLookupFlags(0)));
+        lookupSize(pixelSize(pointSize)), std::max(scale, 1), GTK_TEXT_DIR_NONE, GtkIconLookupFlags(0)));
     if (!icon) {
         return nullptr;
     }

@@ -15,6 +15,11 @@ namespace SymbolCache {
 // theme's native 16-pixel grid, and the others scale with them.
 int pixelSize(double pointSize);
 
+// The size to ask the icon theme for: the smallest of the theme's fixed sizes that holds `pixels`, so that
+// the icon comes from a ready bitmap and the drawing scales it down, rather than from the scalable image,
+// whose decoder alone costs the program several megabytes.
+int lookupSize(int pixels);
+
 // "name|size|weight", with "@scale" added on scaled displays.
 std::string key(const std::string& name, double pointSize, int weight, int scale = 1);
 
