@@ -2,7 +2,6 @@
 
 #include "bridge/VLDInternalPages.h"
 #include "core/ContentPolicy.h"
-#include "core/Log.h"
 
 #include <algorithm>
 
@@ -146,66 +145,6 @@ TEST_F(InternalPagesTest, RedirectsAreFollowedWithoutCommittingTheAction)
         ASSERT_TRUE(clickElement(*view, "#next"));
         EXPECT_TRUE(runMainLoopUntil([&] { return delegate->isIdleAt("velder://test/second"); }));
     }
-}
-
-// A page of the web can't make Velder load a velder:// address, by any road: links, frames, images,
-// fetches, forms, popups, script, a refresh, a server's redirect, or a load the view's own commands didn't
-// start (as when something is dropped on it). The source never hears of it.
-TEST_F(InternalPagesTest, WebPagesNeverReachVelderPages)
-{
-    const std::string action = "velder://test/act?clear=1";
-    std::string attempts = std::string("<a id=link ") + bigStyle + " href='" + action + "'>link</a>"
-        + "<button id=open " + bigStyle + " onclick=\"window.open('" + action + "')\">open</button>"
-        + "<form action='velder://test/act'><input type=hidden name=clear value=1><button id=submit " + bigStyle
-        + ">submit</button></form>" + "<iframe src='" + action + "'></iframe><img src='" + action + "'>"
-        + "<script>fetch('" + action + "').catch(() => {});</script>";
-    m_server->route("/attempts", TestResponse::html("<title>Attempts</title>" + attempts));
-    m_server->route(
-        "/script", TestResponse::html("<title>Script</title><script>location.href = '" + action + "';</script>"));
-    m_server->route("/refresh",
-        TestResponse::html("<title>Refresh</title><meta http-equiv=refresh content='0;url=" + action + "'>"));
-    m_server->route("/redirect", TestResponse::redirect(action));
-    auto delegate = std::make_shared<RecordingDelegate>();
-    delegate->handlesNewTabs = false;
-    delegate->popupHost = [&](const std::string&, bool) {
-        auto host = VLDBrowserView::popupHostView();
-        m_views.push_back(host);
-        showInWindow(host->widget());
-        return host;
-    };
-    LogCapture log;
-    auto view = openLoaded(m_server->url("/attempts"), delegate);
-
-    const std::string refusal = "Velder: refused velder:// address from web content: " + action;
-    if (RealInput::available()) {
-        for (const char* element : { "#link", "#submit", "#open" }) {
-            SCOPED_TRACE(element);
-            ASSERT_TRUE(clickElement(*view, element));
-            runMainLoopFor(300ms);
-        }
-        // The engine asks for the popup's window; the bridge refuses it before the owner hears of it.
-        ASSERT_TRUE(runMainLoopUntil([&] { return !log.lines().empty(); }));
-        EXPECT_EQ(log.lines(), std::vector<std::string> { refusal });
-        EXPECT_FALSE(delegate->hasEvent("popup:" + action));
-        // A new-tab click, left to the engine by the owner.
-        ASSERT_TRUE(clickElement(*view, "#link", 2));
-        runMainLoopFor(300ms);
-    }
-    for (const char* path : { "/script", "/refresh", "/redirect" }) {
-        SCOPED_TRACE(path);
-        view->loadURL(m_server->url(path));
-        ASSERT_TRUE(runMainLoopUntil([&] { return m_server->received(path) && !view->isLoading(); }));
-        runMainLoopFor(500ms);
-    }
-    // As a drop does: a load of the engine's own, from a page of the web.
-    webkit_web_view_load_uri(webViewOf(*view), action.c_str());
-    log.clear();
-    ASSERT_TRUE(runMainLoopUntil([&] { return log.contains(refusal); }));
-    runMainLoopFor(300ms);
-
-    EXPECT_EQ(callsOf("velder://"), 0);
-    EXPECT_FALSE(delegate->sawAddress(action));
-    EXPECT_FALSE(delegate->sawAddress("velder://test/done"));
 }
 
 } // namespace velder::test
