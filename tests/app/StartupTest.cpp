@@ -126,26 +126,9 @@ TEST(Startup, ASecondLaunchHandsItsAddressToTheRunningVelder)
 }
 
 // Every address of the command line opens, in one window, the first active; a switch among them (here an
-// invalid debugging port) is no address. SIGTERM then quits in order, and the session reaches the disk.
-TEST(Startup, EveryAddressOfTheCommandLineOpens)
-{
-    TempDir root;
-    PrivateSessionBus bus;
-    ChildProcess velder(
-        { VELDER_BINARY, "about:blank", "--remote-debugging-port=0", "about:history", "about:settings" },
-        profileEnvironment(root, bus));
-    ASSERT_TRUE(showsAWindow(velder));
-    EXPECT_TRUE(quits(velder));
-    VaultData saved = savedVault(root);
-    ASSERT_EQ(saved.windows.size(), 1u);
-    EXPECT_EQ(
-        saved.windows[0].tabs, (std::vector<std::string> { "about:blank", "velder://history/", "velder://settings/" }));
-    EXPECT_EQ(saved.windows[0].activeTab, 0);
-}
-
-// A private window asked for from cold is all that opens, and its page reaches neither the history nor the
-// saved windows; the session saved before stays as it was.
-TEST(Startup, APrivateWindowFromColdLeavesNoTrace)
+// invalid debugging port) is no address. A private window asked for from cold then is all that opens, and its
+// page reaches neither the history nor the saved windows; the session saved before stays as it was.
+TEST(Startup, EveryAddressOpensAndAPrivateWindowFromColdLeavesNoTrace)
 {
     TempDir root;
     PrivateSessionBus bus;
@@ -154,7 +137,9 @@ TEST(Startup, APrivateWindowFromColdLeavesNoTrace)
     server.route("/shown", TestResponse::html(""));
     auto environment = profileEnvironment(root, bus);
     {
-        ChildProcess before({ VELDER_BINARY, "about:history" }, environment);
+        ChildProcess before(
+            { VELDER_BINARY, "about:blank", "--remote-debugging-port=0", "about:history", "about:settings" },
+            environment);
         ASSERT_TRUE(showsAWindow(before));
         ASSERT_TRUE(quits(before));
     }
@@ -164,7 +149,9 @@ TEST(Startup, APrivateWindowFromColdLeavesNoTrace)
     EXPECT_TRUE(quits(velder));
     VaultData vault = savedVault(root);
     ASSERT_EQ(vault.windows.size(), 1u);
-    EXPECT_EQ(vault.windows[0].tabs, std::vector<std::string> { "velder://history/" });
+    EXPECT_EQ(
+        vault.windows[0].tabs, (std::vector<std::string> { "about:blank", "velder://history/", "velder://settings/" }));
+    EXPECT_EQ(vault.windows[0].activeTab, 0);
     EXPECT_TRUE(saved<HistoryData>(root, "history.bin").entries.empty());
 }
 
