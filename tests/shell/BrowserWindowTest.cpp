@@ -127,50 +127,21 @@ TEST_F(BrowserWindowTest, PicturesOfTheChrome)
     EXPECT_TRUE(pixelIs(picture.at(600, 400), Color::fromHex(0xFFFFFF))) << "the page shows";
 }
 
-TEST_F(BrowserWindowTest, ReturnOnASelectedSuggestionOpensThatRow)
-{
-    for (const char* path : { "/start", "/alpha", "/beta", "/gamma" }) {
-        server.route(path, TestResponse::html(page(std::string("Page ") + (path + 1))));
-    }
-    auto window = openWindow({ "/start" });
-    // Visits decide the rows' order: alpha, beta, gamma.
-    for (auto [path, visits] :
-        std::vector<std::pair<std::string, int>> { { "/alpha", 3 }, { "/beta", 2 }, { "/gamma", 1 } }) {
-        for (int i = 0; i < visits; ++i) {
-            HistoryStore::shared().record(server.url(path), "Page", now());
-        }
-    }
-    window->perform(BrowserAction::Kind::focusAddressBar);
-    ASSERT_TRUE(runMainLoopUntil([&] { return window->addressBar().isEditing(); }));
-    for (unsigned key : { GDK_KEY_1, GDK_KEY_2, GDK_KEY_7, GDK_KEY_period, GDK_KEY_0 }) {
-        RealInput::pressKey(GTK_WIDGET(window->window()), key);
-    }
-    // The tab's own first load is a visit too, with the fewest: four rows.
-    ASSERT_TRUE(runMainLoopUntil([&] { return window->suggestions().entries().size() == 4; }))
-        << "typed: '" << window->addressBar().text() << "', rows: " << window->suggestions().entries().size();
-    EXPECT_EQ(window->suggestions().entries()[0].url, server.url("/alpha"));
-    RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_Down);
-    RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_Down);
-    ASSERT_TRUE(runMainLoopUntil([&] { return window->suggestions().selectedIndex() == 1; }, 5s));
-    EXPECT_EQ(window->addressBar().text(), server.url("/beta"));
-    RealInput::pressKey(GTK_WIDGET(window->window()), GDK_KEY_Return);
-
-    ASSERT_TRUE(runMainLoopUntil([&] { return window->activeTab()->url == server.url("/beta"); }, 10s));
-    EXPECT_TRUE(server.received("/beta"));
-    EXPECT_FALSE(server.received("/alpha"));
-    EXPECT_FALSE(window->suggestions().isShowing());
-}
-
 // A row walked to with the arrows is only shown in the field: Escape, or leaving the field, gives back the
-// text typed or the page's own address.
-TEST_F(BrowserWindowTest, TheFieldNeverKeepsARowWalkedPast)
+// text typed or the page's own address. Return on it opens that row.
+TEST_F(BrowserWindowTest, TheFieldShowsARowWalkedToAndReturnOpensIt)
 {
     for (const char* path : { "/start", "/alpha", "/beta" }) {
         server.route(path, TestResponse::html(page(std::string("Page ") + (path + 1))));
     }
     auto window = openWindow({ "/start" });
-    HistoryStore::shared().record(server.url("/alpha"), "Alpha", now());
-    HistoryStore::shared().record(server.url("/beta"), "Beta", now());
+    // Visits decide the rows' order: alpha, beta, and the tab's own first load.
+    for (int i = 0; i < 3; ++i) {
+        HistoryStore::shared().record(server.url("/alpha"), "Alpha", now());
+    }
+    for (int i = 0; i < 2; ++i) {
+        HistoryStore::shared().record(server.url("/beta"), "Beta", now());
+    }
     GtkWidget* root = GTK_WIDGET(window->window());
     auto typeAndWalk = [&] {
         RealInput::pressKey(root, GDK_KEY_l, { GDK_KEY_Control_L });
@@ -200,6 +171,14 @@ TEST_F(BrowserWindowTest, TheFieldNeverKeepsARowWalkedPast)
     EXPECT_TRUE(runMainLoopUntil([&] { return !window->addressBar().isEditing(); }));
     EXPECT_EQ(window->addressBar().text(), "127") << "leaving the field keeps what was typed, not the row walked to";
     EXPECT_EQ(window->activeTab()->url, own);
+
+    typeAndWalk();
+    EXPECT_EQ(window->addressBar().text(), server.url("/beta"));
+    RealInput::pressKey(root, GDK_KEY_Return);
+    ASSERT_TRUE(runMainLoopUntil([&] { return window->activeTab()->url == server.url("/beta"); }));
+    EXPECT_TRUE(server.received("/beta"));
+    EXPECT_FALSE(server.received("/alpha"));
+    EXPECT_FALSE(window->suggestions().isShowing());
 }
 
 // The tab strip by the mouse: a middle click closes a background tab and leaves the active one active, the
