@@ -23,18 +23,6 @@ protected:
         stores.setSettings([](AppSettings& settings) { settings.locationEnabled = true; });
     }
 
-    std::shared_ptr<MainWindow> windowWith(const std::vector<std::string>& urls, bool isPrivate = false)
-    {
-        auto window = MainWindow::create(WindowFrame::defaultFrame(), isPrivate, false);
-        WindowRegistry::shared().windows.push_back(window);
-        for (const auto& url : urls) {
-            auto tab = BrowserTab::create(url, isPrivate);
-            fakeViewOf(*tab)->attachBrowser();
-            window->install(tab, false);
-        }
-        return window;
-    }
-
     static std::shared_ptr<FakePermissionRequest> ask(BrowserTab& tab, const std::string& origin)
     {
         auto request = std::make_shared<FakePermissionRequest>(origin);

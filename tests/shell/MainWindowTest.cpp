@@ -13,19 +13,6 @@ namespace {
 
 class MainWindowTest : public ShellTest {
 protected:
-    // An ordinary window in the registry, with one tab per URL, each with a live browser.
-    std::shared_ptr<MainWindow> windowWith(const std::vector<std::string>& urls, bool isPrivate = false)
-    {
-        auto window = MainWindow::create(WindowFrame::defaultFrame(), isPrivate, false);
-        WindowRegistry::shared().windows.push_back(window);
-        for (const auto& url : urls) {
-            auto tab = BrowserTab::create(url, isPrivate);
-            fakeViewOf(*tab)->attachBrowser();
-            window->install(tab, false);
-        }
-        return window;
-    }
-
     static std::vector<std::string> urlsOf(const MainWindow& window)
     {
         std::vector<std::string> urls;

@@ -108,8 +108,7 @@ TEST_F(MenuBarTest, TheUpdateItemFollowsTheController)
 {
     auto controller = std::make_shared<UpdateController>();
     UpdateController::setShared(controller);
-    auto window = MainWindow::create(WindowFrame::defaultFrame(), false, false);
-    WindowRegistry::shared().windows.push_back(window);
+    auto window = windowWith({});
     auto bar = GObjectPtr<GMenuModel>::adopt(MenuBar::mainMenu());
     auto wordmark = WindowMenus::wordmarkMenu();
     auto labels = [&] {

@@ -51,4 +51,16 @@ std::shared_ptr<FakeBrowserView> ShellTest::fakeViewOf(const BrowserTab& tab) co
     return std::dynamic_pointer_cast<FakeBrowserView>(tab.view());
 }
 
+std::shared_ptr<MainWindow> ShellTest::windowWith(const std::vector<std::string>& urls, bool isPrivate) const
+{
+    auto window = MainWindow::create(WindowFrame::defaultFrame(), isPrivate, false);
+    WindowRegistry::shared().windows.push_back(window);
+    for (const auto& url : urls) {
+        auto tab = BrowserTab::create(url, isPrivate);
+        fakeViewOf(*tab)->attachBrowser();
+        window->install(tab, false);
+    }
+    return window;
+}
+
 } // namespace velder::test

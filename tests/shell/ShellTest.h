@@ -8,10 +8,13 @@
 
 #include <gtest/gtest.h>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace velder {
 class BrowserTab;
-}
+class MainWindow;
+} // namespace velder
 
 namespace velder::test {
 
@@ -23,6 +26,8 @@ protected:
     ~ShellTest() override;
 
     std::shared_ptr<FakeBrowserView> fakeViewOf(const BrowserTab& tab) const;
+    // A window in the registry, not shown, with one tab per URL, each with a live fake browser.
+    std::shared_ptr<MainWindow> windowWith(const std::vector<std::string>& urls, bool isPrivate = false) const;
 
     ScopedStores stores;
     std::unique_ptr<AppDelegate> delegate;
