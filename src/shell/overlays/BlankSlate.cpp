@@ -16,35 +16,25 @@ G_DEFINE_TYPE(VelderBlankSlate, velder_blank_slate, GTK_TYPE_WIDGET)
 
 namespace {
 
-// The mark is faint, so a tall window may stretch it a little: a bigger bitmap would cost more memory
-// (2.25 MiB here) and decoding time (about 6 ms) for no visible gain.
-constexpr int markResolution = 768;
-
+// The mark comes as a PNG rendered from the SVG at build time (768 pixels square: the mark is faint, so a tall
+// window may stretch it a little), decoded by GTK's own PNG reader. Decoding SVG here would load an SVG
+// library worth several megabytes into the program for one picture.
 velder::GObjectPtr<GdkTexture> decodeMark()
 {
-    auto svg = velder::Resources::lookup("velder.svg");
-    if (!svg) {
+    auto png = velder::Resources::lookup("velder-mark.png");
+    if (!png) {
         velder::log("Velder: the icon is missing from the program's resources");
         return nullptr;
     }
-    auto loader = velder::GObjectPtr<GdkPixbufLoader>::adopt(gdk_pixbuf_loader_new_with_type("svg", nullptr));
-    if (!loader) {
-        velder::log("Velder: no image loader can read the icon");
-        return nullptr;
-    }
-    gdk_pixbuf_loader_set_size(loader.get(), markResolution, markResolution);
+    auto bytes = g_bytes_new_static(png->data(), png->size());
     GError* rawError = nullptr;
-    bool written
-        = gdk_pixbuf_loader_write(loader.get(), reinterpret_cast<const guchar*>(svg->data()), svg->size(), &rawError);
-    // A loader must be closed, whatever happened before.
-    bool closed = gdk_pixbuf_loader_close(loader.get(), written ? &rawError : nullptr);
+    GdkTexture* texture = gdk_texture_new_from_bytes(bytes, &rawError);
+    g_bytes_unref(bytes);
     velder::GErrorPtr error(rawError);
-    GdkPixbuf* pixbuf = written && closed ? gdk_pixbuf_loader_get_pixbuf(loader.get()) : nullptr;
-    if (!pixbuf) {
+    if (!texture) {
         velder::log(std::string("Velder: cannot decode the icon: ") + (error ? error->message : "no image"));
-        return nullptr;
     }
-    return velder::GObjectPtr<GdkTexture>::adopt(gdk_texture_new_for_pixbuf(pixbuf));
+    return velder::GObjectPtr<GdkTexture>::adopt(texture);
 }
 
 } // namespace

@@ -23,7 +23,7 @@ public:
 
     // The mark's side: 0.975 of the shorter side, in whole pixels.
     static int markSide(int width, int height);
-    // Velder's icon, decoded once from the compiled-in "velder.svg"; null (and logged) if it can't be.
+    // Velder's icon, decoded once from the compiled-in "velder-mark.png"; null (and logged) if it can't be.
     static GdkTexture* mark();
 
     // Internal: the widget's snapshot.
