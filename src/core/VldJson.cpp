@@ -39,6 +39,14 @@ std::string_view nameOf(const rapidjson::Value& name)
     return std::string_view(name.GetString(), name.GetStringLength());
 }
 
+// The value of the first member of that name, or null. (Clang finds RapidJSON's comparison of member
+// iterators ambiguous under C++20's rules, so the iterators are compared by what they point at.)
+rapidjson::Value* memberNamed(rapidjson::Value& object, const rapidjson::Value& name)
+{
+    auto found = object.FindMember(name);
+    return found.operator->() == object.MemberEnd().operator->() ? nullptr : &found->value;
+}
+
 // A stored key names a field when its first letter, lower-cased, and the rest equal the field name.
 bool storedKeyNamesField(std::string_view stored, std::string_view field)
 {
@@ -360,12 +368,12 @@ void mergeOverDefaults(
     rapidjson::Value& stored, const rapidjson::Value& defaults, rapidjson::MemoryPoolAllocator<>& allocator)
 {
     for (auto& member : defaults.GetObject()) {
-        auto found = stored.FindMember(member.name);
-        if (found == stored.MemberEnd()) {
+        rapidjson::Value* found = memberNamed(stored, member.name);
+        if (!found) {
             stored.AddMember(
                 rapidjson::Value(member.name, allocator), rapidjson::Value(member.value, allocator), allocator);
-        } else if (found->value.IsObject() && member.value.IsObject()) {
-            mergeOverDefaults(found->value, member.value, allocator);
+        } else if (found->IsObject() && member.value.IsObject()) {
+            mergeOverDefaults(*found, member.value, allocator);
         }
     }
 }
