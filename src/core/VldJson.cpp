@@ -382,13 +382,15 @@ rapidjson::Document parseMergedOverDefaults(std::vector<char>& stored, const std
 {
     rapidjson::Document document;
     stored.push_back('\0');
-    document.ParseInsitu(stored.data());
+    // Without recursion: a text nested deeper than the stack is an unreadable file, not a crash at every start.
+    // In full precision: a double read back must be the one written, to the last bit.
+    document.ParseInsitu<rapidjson::kParseIterativeFlag | rapidjson::kParseFullPrecisionFlag>(stored.data());
     if (document.HasParseError()) {
         throw JsonDecodeError(std::string("the JSON text is malformed at offset ")
             + std::to_string(document.GetErrorOffset()) + ": " + rapidjson::GetParseError_En(document.GetParseError()));
     }
     rapidjson::Document defaults(&document.GetAllocator());
-    defaults.Parse(defaultsJson.data(), defaultsJson.size());
+    defaults.Parse<rapidjson::kParseFullPrecisionFlag>(defaultsJson.data(), defaultsJson.size());
     if (defaults.HasParseError()) {
         throw JsonDecodeError("the defaults could not be encoded");
     }

@@ -120,6 +120,13 @@ TEST(VldJson, StoredFilesMergeOverTheDefaults)
     }
 }
 
+TEST(VldJson, ADoubleReadsBackAsTheOneWritten)
+{
+    VaultData zoomed;
+    zoomed.currentZoomLevel = -0.92223730368547774; // its last digit is lost to a parser of ordinary precision
+    EXPECT_EQ(VldJson::decode(bytesOf(VldJson::encode(zoomed)), VaultData()).currentZoomLevel, zoomed.currentZoomLevel);
+}
+
 TEST(VldJson, StrictDecodingFailsTheWholeFile)
 {
     const char* failing[] = {
@@ -139,4 +146,7 @@ TEST(VldJson, StrictDecodingFailsTheWholeFile)
         SCOPED_TRACE(stored);
         EXPECT_THROW(VldJson::decode(bytesOf(stored), VaultData()), JsonDecodeError);
     }
+    // Nested deeper than any stack would hold a parser that recurses.
+    std::string deep = R"({"Windows":)" + std::string(1000000, '[');
+    EXPECT_THROW(VldJson::decode(bytesOf(deep), VaultData()), JsonDecodeError);
 }
