@@ -125,6 +125,8 @@ TEST(VldJson, ADoubleReadsBackAsTheOneWritten)
     VaultData zoomed;
     zoomed.currentZoomLevel = -0.92223730368547774; // its last digit is lost to a parser of ordinary precision
     EXPECT_EQ(VldJson::decode(bytesOf(VldJson::encode(zoomed)), VaultData()).currentZoomLevel, zoomed.currentZoomLevel);
+    zoomed.currentZoomLevel = -0.0; // read back as 0, so written as 0: the text written after a read is the same
+    EXPECT_EQ(VldJson::encode(zoomed), VldJson::encode(VaultData()));
 }
 
 TEST(VldJson, StrictDecodingFailsTheWholeFile)
