@@ -114,12 +114,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string storedText(input.substr(0, split));
     std::string defaultsText(split == std::string_view::npos ? "{}" : input.substr(split + 1));
 
-    // Each parsed as the merge parses it: the stored text up to its end, the defaults by their length (which
-    // in RapidJSON 1.1 also passes over a stray byte where a byte order mark may stand).
+    // Each parsed as the merge parses it, in full precision: the stored text up to its end, the defaults by their
+    // length (which in RapidJSON 1.1 also passes over a stray byte where a byte order mark may stand).
     rapidjson::Document stored;
-    stored.Parse(storedText.c_str());
+    stored.Parse<rapidjson::kParseFullPrecisionFlag>(storedText.c_str());
     rapidjson::Document defaults;
-    defaults.Parse(defaultsText.data(), defaultsText.size());
+    defaults.Parse<rapidjson::kParseFullPrecisionFlag>(defaultsText.data(), defaultsText.size());
 
     std::vector<char> buffer(storedText.begin(), storedText.end());
     rapidjson::Document merged;
