@@ -9,6 +9,7 @@
 
 #include "core/VldJson.h"
 
+#include <cmath>
 #include <set>
 
 using namespace velder;
@@ -71,7 +72,8 @@ bool same(const rapidjson::Value& a, const rapidjson::Value& b)
         }
         return true;
     }
-    return a == b;
+    // A number too large for a double is NaN, the same NaN wherever it stands.
+    return a == b || (a.IsDouble() && b.IsDouble() && std::isnan(a.GetDouble()) && std::isnan(b.GetDouble()));
 }
 
 // The value of the first member of that name, or null (see VldJson.cpp on comparing member iterators).

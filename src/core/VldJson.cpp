@@ -253,8 +253,9 @@ std::int64_t JsonObjectIn::integer(std::string_view field) const
 double JsonObjectIn::number(std::string_view field) const
 {
     const rapidjson::Value& value = required(field);
-    if (!value.IsNumber()) {
-        throw typeMismatch(field, "a number");
+    // A number too large for a double (2e308) reads as infinity or NaN, which no reader of the format accepts.
+    if (!value.IsNumber() || !std::isfinite(value.GetDouble())) {
+        throw typeMismatch(field, "a finite number");
     }
     return value.GetDouble();
 }

@@ -138,6 +138,7 @@ TEST(VldJson, StrictDecodingFailsTheWholeFile)
         R"({"Settings":{"Homepage":null}})", // null for a required field
         R"({"Settings":5})", // a stored non-object replaces the default object
         R"({"CurrentZoomLevel":"2"})", // a field of the wrong type
+        R"({"CurrentZoomLevel":2e308})", // too large for a double
         R"({"Settings":{"MaxHistory":2.5}})", R"({"Settings":{"RestoreSession":1}})",
         R"({"Windows":[{"Tabs":["a"],"ActiveTab":0}]})", // State is required
         R"({"Windows":[{"Tabs":["a"],"ActiveTab":0,"State":3}]})", R"({"LastUpdateCheckUtc":"yesterday"})",
