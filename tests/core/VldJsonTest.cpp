@@ -125,6 +125,9 @@ TEST(VldJson, ADoubleReadsBackAsTheOneWritten)
     VaultData zoomed;
     zoomed.currentZoomLevel = -0.92223730368547774; // its last digit is lost to a parser of ordinary precision
     EXPECT_EQ(VldJson::decode(bytesOf(VldJson::encode(zoomed)), VaultData()).currentZoomLevel, zoomed.currentZoomLevel);
+    // A long number with a far exponent is read exactly too (RapidJSON's own full precision read past its tables).
+    auto tiny = VldJson::decode(bytesOf(R"({"CurrentZoomLevel":30000000001428543432e-0337})"), VaultData());
+    EXPECT_EQ(tiny.currentZoomLevel, 30000000001428543432e-0337);
     zoomed.currentZoomLevel = -0.0; // read back as 0, so written as 0: the text written after a read is the same
     EXPECT_EQ(VldJson::encode(zoomed), VldJson::encode(VaultData()));
 }
