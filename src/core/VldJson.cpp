@@ -306,7 +306,7 @@ std::int64_t JsonObjectIn::integer(std::string_view field) const
 double JsonObjectIn::number(std::string_view field) const
 {
     const rapidjson::Value& value = required(field);
-    // A number too large for a double (2e308) reads as infinity or NaN, which no reader of the format accepts.
+    // A number no double holds (2e308) reads as infinity, which no reader of the format accepts.
     if (!value.IsNumber() || !std::isfinite(value.GetDouble())) {
         throw typeMismatch(field, "a finite number");
     }
