@@ -137,6 +137,11 @@ std::string VLDDownloadItem::sanitisedFilename(std::string_view name)
         stemLength += utf16Length(pieces[stemCut]);
         ++stemCut;
     }
+    // A stem cut to nothing would leave ".extension", a hidden file: its first character stays, though a
+    // surrogate pair then passes the limit by one unit.
+    if (stemCut == begin && stemEnd > begin) {
+        ++stemCut;
+    }
     std::string result = join(pieces, begin, stemCut);
     if (!extension.empty()) {
         result += "." + extension;

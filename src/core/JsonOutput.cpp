@@ -157,8 +157,9 @@ void JsonOutput::integer(std::int64_t value)
 void JsonOutput::number(double value)
 {
     beforeValue();
-    if (!std::isfinite(value)) {
-        m_text.append("0"); // JSON has no infinity or NaN
+    // JSON has no infinity or NaN; and zero is "0" whatever its sign, as "-0" would read back as the integer 0.
+    if (!std::isfinite(value) || value == 0) {
+        m_text.append("0");
         return;
     }
     char buffer[32];

@@ -29,7 +29,9 @@ bool isSpaceCodePoint(char32_t c)
     }
 }
 
-// The code point that starts at `at` and its length, or nothing for an invalid sequence.
+// The code point that starts at `at` and its length, or nothing for an invalid sequence: a stray or
+// missing continuation byte, a lead byte no sequence has (0xF8 and above), a longer form than the code
+// point needs, a surrogate, or a code point past U+10FFFF.
 bool decodeAt(std::string_view text, size_t at, char32_t& codePoint, size_t& length)
 {
     auto byte = static_cast<unsigned char>(text[at]);
@@ -38,7 +40,7 @@ bool decodeAt(std::string_view text, size_t at, char32_t& codePoint, size_t& len
         length = 1;
         return true;
     }
-    size_t count = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC0 ? 2 : 0;
+    size_t count = byte >= 0xF8 ? 0 : byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC0 ? 2 : 0;
     if (count == 0 || at + count > text.size()) {
         return false;
     }
@@ -49,6 +51,10 @@ bool decodeAt(std::string_view text, size_t at, char32_t& codePoint, size_t& len
             return false;
         }
         value = (value << 6) | (next & 0x3F);
+    }
+    constexpr char32_t shortest[] = { 0, 0, 0x80, 0x800, 0x10000 };
+    if (value < shortest[count] || (value >= 0xD800 && value <= 0xDFFF) || value > 0x10FFFF) {
+        return false;
     }
     codePoint = value;
     length = count;

@@ -1,7 +1,9 @@
 #include "core/VldJson.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
+#include <limits>
 #include <rapidjson/error/en.h>
 
 namespace velder {
@@ -38,6 +40,65 @@ std::string_view nameOf(const rapidjson::Value& name)
 {
     return std::string_view(name.GetString(), name.GetStringLength());
 }
+
+// The value of the first member of that name, or null. (Clang finds RapidJSON's comparison of member
+// iterators ambiguous under C++20's rules, so the iterators are compared by what they point at.)
+rapidjson::Value* memberNamed(rapidjson::Value& object, const rapidjson::Value& name)
+{
+    auto found = object.FindMember(name);
+    return found.operator->() == object.MemberEnd().operator->() ? nullptr : &found->value;
+}
+
+// Hands the parser's events on to a document, but reads each number from its text itself: RapidJSON 1.1 reads
+// some doubles a bit off in its ordinary precision, and its full precision can read past its tables on a long
+// number. A number no double holds (2e308, 1e-400) reads as infinity, which no field accepts.
+class ExactNumbers {
+public:
+    explicit ExactNumbers(rapidjson::Document& document)
+        : m_document(document)
+    {
+    }
+
+    bool RawNumber(const char* text, rapidjson::SizeType length, bool)
+    {
+        const char* end = text + length;
+        if (std::string_view(text, length).find_first_of(".eE") == std::string_view::npos) {
+            std::int64_t integer;
+            if (auto read = std::from_chars(text, end, integer); read.ec == std::errc() && read.ptr == end) {
+                return m_document.Int64(integer);
+            }
+            std::uint64_t large;
+            if (auto read = std::from_chars(text, end, large); read.ec == std::errc() && read.ptr == end) {
+                return m_document.Uint64(large);
+            }
+        }
+        double number;
+        if (auto read = std::from_chars(text, end, number); read.ec != std::errc() || read.ptr != end) {
+            number = std::numeric_limits<double>::infinity();
+        }
+        return m_document.Double(number);
+    }
+
+    bool Null() { return m_document.Null(); }
+    bool Bool(bool value) { return m_document.Bool(value); }
+    bool Int(int value) { return m_document.Int(value); }
+    bool Uint(unsigned value) { return m_document.Uint(value); }
+    bool Int64(std::int64_t value) { return m_document.Int64(value); }
+    bool Uint64(std::uint64_t value) { return m_document.Uint64(value); }
+    bool Double(double value) { return m_document.Double(value); }
+    bool String(const char* text, rapidjson::SizeType length, bool copy)
+    {
+        return m_document.String(text, length, copy);
+    }
+    bool Key(const char* text, rapidjson::SizeType length, bool copy) { return m_document.Key(text, length, copy); }
+    bool StartObject() { return m_document.StartObject(); }
+    bool EndObject(rapidjson::SizeType count) { return m_document.EndObject(count); }
+    bool StartArray() { return m_document.StartArray(); }
+    bool EndArray(rapidjson::SizeType count) { return m_document.EndArray(count); }
+
+private:
+    rapidjson::Document& m_document;
+};
 
 // A stored key names a field when its first letter, lower-cased, and the rest equal the field name.
 bool storedKeyNamesField(std::string_view stored, std::string_view field)
@@ -245,8 +306,9 @@ std::int64_t JsonObjectIn::integer(std::string_view field) const
 double JsonObjectIn::number(std::string_view field) const
 {
     const rapidjson::Value& value = required(field);
-    if (!value.IsNumber()) {
-        throw typeMismatch(field, "a number");
+    // A number no double holds (2e308) reads as infinity, which no reader of the format accepts.
+    if (!value.IsNumber() || !std::isfinite(value.GetDouble())) {
+        throw typeMismatch(field, "a finite number");
     }
     return value.GetDouble();
 }
@@ -360,25 +422,39 @@ void mergeOverDefaults(
     rapidjson::Value& stored, const rapidjson::Value& defaults, rapidjson::MemoryPoolAllocator<>& allocator)
 {
     for (auto& member : defaults.GetObject()) {
-        auto found = stored.FindMember(member.name);
-        if (found == stored.MemberEnd()) {
+        rapidjson::Value* found = memberNamed(stored, member.name);
+        if (!found) {
             stored.AddMember(
                 rapidjson::Value(member.name, allocator), rapidjson::Value(member.value, allocator), allocator);
-        } else if (found->value.IsObject() && member.value.IsObject()) {
-            mergeOverDefaults(found->value, member.value, allocator);
+        } else if (found->IsObject() && member.value.IsObject()) {
+            mergeOverDefaults(*found, member.value, allocator);
         }
     }
 }
 
+rapidjson::Document parse(std::vector<char>& stored)
+{
+    stored.push_back('\0');
+    rapidjson::Reader reader;
+    rapidjson::StringStream stream(stored.data());
+    // Without recursion: a text nested deeper than the stack is an unreadable file, not a crash at every start.
+    auto generator = [&](rapidjson::Document& document) {
+        ExactNumbers events(document);
+        return !reader.Parse<rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag>(stream, events)
+                    .IsError();
+    };
+    rapidjson::Document document;
+    document.Populate(generator);
+    if (reader.HasParseError()) {
+        throw JsonDecodeError(std::string("the JSON text is malformed at offset ")
+            + std::to_string(reader.GetErrorOffset()) + ": " + rapidjson::GetParseError_En(reader.GetParseErrorCode()));
+    }
+    return document;
+}
+
 rapidjson::Document parseMergedOverDefaults(std::vector<char>& stored, const std::string& defaultsJson)
 {
-    rapidjson::Document document;
-    stored.push_back('\0');
-    document.ParseInsitu(stored.data());
-    if (document.HasParseError()) {
-        throw JsonDecodeError(std::string("the JSON text is malformed at offset ")
-            + std::to_string(document.GetErrorOffset()) + ": " + rapidjson::GetParseError_En(document.GetParseError()));
-    }
+    rapidjson::Document document = parse(stored);
     rapidjson::Document defaults(&document.GetAllocator());
     defaults.Parse(defaultsJson.data(), defaultsJson.size());
     if (defaults.HasParseError()) {

@@ -199,7 +199,11 @@ template<class Record> std::string encode(const Record& record, std::size_t expe
     return output.take();
 }
 
-// Parses the stored text (in place: `stored` is overwritten), merges it over the defaults' stored form
+// Parses stored text as the sealed files are read: without recursion, each number read exactly. `stored` gains
+// a NUL at its end. Throws JsonDecodeError.
+rapidjson::Document parse(std::vector<char>& stored);
+
+// Parses the stored text (`stored` gains a NUL at its end), merges it over the defaults' stored form
 // and returns the result. If either tree isn't an object, the stored tree is returned as it is (and will
 // fail to decode). Throws JsonDecodeError.
 rapidjson::Document parseMergedOverDefaults(std::vector<char>& stored, const std::string& defaultsJson);

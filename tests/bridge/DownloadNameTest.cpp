@@ -36,6 +36,7 @@ TEST(DownloadNameTest, SanitisedFilenames)
         { "exactly 200", letters200, letters200 },
         { "an extension that leaves no stem room", "a." + std::string(199, 'e'), "a." + std::string(199, 'e') },
         { "a pair is never split", std::string(198, 'a') + clef + clef + ".t", std::string(198, 'a') + ".t" },
+        { "a stem is never cut to nothing", clef + "a." + std::string(198, 'e'), clef + "." + std::string(198, 'e') },
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);

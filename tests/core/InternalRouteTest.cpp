@@ -61,6 +61,9 @@ TEST(FormValues, Parse)
              { "a=100%", { { "a", "100%" } } },
              { "a=100%+x%2", { { "a", "100% x%2" } } },
              { "a=%FF", { { "a", "%FF" } } }, // not UTF-8 once decoded
+             { "a=%C0%AF", { { "a", "%C0%AF" } } }, // an overlong "/"
+             { "a=%ED%A0%80", { { "a", "%ED%A0%80" } } }, // a surrogate
+             { "a=%F8%88%80%80", { { "a", "%F8%88%80%80" } } }, // a lead byte no sequence has
              { "a=%C3%BC", { { "a", "\xC3\xBC" } } },
              { "x%3Dy=1", { { "x=y", "1" } } },
              { "=v", { { "", "v" } } },

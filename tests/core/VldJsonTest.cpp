@@ -120,6 +120,18 @@ TEST(VldJson, StoredFilesMergeOverTheDefaults)
     }
 }
 
+TEST(VldJson, ADoubleReadsBackAsTheOneWritten)
+{
+    VaultData zoomed;
+    zoomed.currentZoomLevel = -0.92223730368547774; // its last digit is lost to a parser of ordinary precision
+    EXPECT_EQ(VldJson::decode(bytesOf(VldJson::encode(zoomed)), VaultData()).currentZoomLevel, zoomed.currentZoomLevel);
+    // A long number with a far exponent is read exactly too (RapidJSON's own full precision read past its tables).
+    auto tiny = VldJson::decode(bytesOf(R"({"CurrentZoomLevel":30000000001428543432e-0337})"), VaultData());
+    EXPECT_EQ(tiny.currentZoomLevel, 30000000001428543432e-0337);
+    zoomed.currentZoomLevel = -0.0; // read back as 0, so written as 0: the text written after a read is the same
+    EXPECT_EQ(VldJson::encode(zoomed), VldJson::encode(VaultData()));
+}
+
 TEST(VldJson, StrictDecodingFailsTheWholeFile)
 {
     const char* failing[] = {
@@ -129,6 +141,7 @@ TEST(VldJson, StrictDecodingFailsTheWholeFile)
         R"({"Settings":{"Homepage":null}})", // null for a required field
         R"({"Settings":5})", // a stored non-object replaces the default object
         R"({"CurrentZoomLevel":"2"})", // a field of the wrong type
+        R"({"CurrentZoomLevel":2e308})", // too large for a double
         R"({"Settings":{"MaxHistory":2.5}})", R"({"Settings":{"RestoreSession":1}})",
         R"({"Windows":[{"Tabs":["a"],"ActiveTab":0}]})", // State is required
         R"({"Windows":[{"Tabs":["a"],"ActiveTab":0,"State":3}]})", R"({"LastUpdateCheckUtc":"yesterday"})",
@@ -139,4 +152,7 @@ TEST(VldJson, StrictDecodingFailsTheWholeFile)
         SCOPED_TRACE(stored);
         EXPECT_THROW(VldJson::decode(bytesOf(stored), VaultData()), JsonDecodeError);
     }
+    // Nested deeper than any stack would hold a parser that recurses.
+    std::string deep = R"({"Windows":)" + std::string(1000000, '[');
+    EXPECT_THROW(VldJson::decode(bytesOf(deep), VaultData()), JsonDecodeError);
 }
