@@ -191,20 +191,18 @@ int Launcher::run(GtkApplication* application, const LaunchRequest& request)
     g_signal_connect(application, "shutdown", G_CALLBACK(onShutdown), nullptr);
     addAction(
         application, "open", G_VARIANT_TYPE("(asbb)"), G_CALLBACK(+[](GSimpleAction*, GVariant* parameter, gpointer) {
-            LaunchRequest request;
             GVariantIter* urls = nullptr;
             gboolean newWindow = FALSE;
             gboolean privateWindow = FALSE;
             g_variant_get(parameter, "(asbb)", &urls, &newWindow, &privateWindow);
+            std::vector<std::string> texts;
             const char* url = nullptr;
             while (g_variant_iter_next(urls, "&s", &url)) {
-                request.urls.push_back(url);
+                texts.emplace_back(url);
             }
             g_variant_iter_free(urls);
-            request.newWindow = newWindow;
-            request.privateWindow = privateWindow;
             if (AppDelegate* delegate = AppDelegate::shared()) {
-                delegate->openFromOutside(request);
+                delegate->openFromOutside(LaunchRequest::handedOver(texts, newWindow, privateWindow));
             }
         }));
     addAction(application, "new-window", nullptr, G_CALLBACK(+[](GSimpleAction*, GVariant*, gpointer) {

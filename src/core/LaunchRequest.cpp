@@ -22,4 +22,17 @@ LaunchRequest LaunchRequest::parse(const std::vector<std::string>& arguments)
     return request;
 }
 
+LaunchRequest LaunchRequest::handedOver(const std::vector<std::string>& urls, bool newWindow, bool privateWindow)
+{
+    LaunchRequest request;
+    for (const auto& text : urls) {
+        if (auto url = UrlHelper::startupTarget(text)) {
+            request.urls.push_back(*url);
+        }
+    }
+    request.newWindow = newWindow;
+    request.privateWindow = privateWindow;
+    return request;
+}
+
 } // namespace velder

@@ -15,6 +15,9 @@ struct LaunchRequest {
 
     // `arguments` as main() has them, the program first.
     static LaunchRequest parse(const std::vector<std::string>& arguments);
+    // What another launch hands over to the running Velder: its addresses meet the same rule again, since
+    // any program on the session bus can send them.
+    static LaunchRequest handedOver(const std::vector<std::string>& urls, bool newWindow, bool privateWindow);
 
     bool operator==(const LaunchRequest&) const = default;
 };

@@ -30,4 +30,13 @@ TEST(LaunchRequestTest, EveryAddressAndTheWindowOptions)
     }
 }
 
+// What the running Velder is handed over the session bus meets the same rule: any program there can send it.
+TEST(LaunchRequestTest, AddressesHandedOverMeetTheStartRuleAgain)
+{
+    LaunchRequest request = LaunchRequest::handedOver(
+        { "javascript:alert(1)", "file:///etc/passwd", "about:history", "b.example" }, false, true);
+    EXPECT_EQ(request.urls, (std::vector<std::string> { "velder://history/", "https://b.example" }));
+    EXPECT_TRUE(request.privateWindow);
+}
+
 } // namespace velder::test
