@@ -256,16 +256,6 @@ TEST(HistoryStore, LoadKeepsTheFirstOfEachAddressAndTrimsWithoutWriting)
         (std::vector<std::string> { "https://b.example/", "https://a.example/", "https://c.example/" }));
 }
 
-TEST(HistoryStore, WorksInMemoryWithoutAKey)
-{
-    ScopedStores stores;
-    HistoryStore history(AppInfo::historyFile(), std::nullopt);
-    history.record("https://a.example/", "", at(0));
-    history.flushNow();
-    EXPECT_EQ(history.count(), 1u);
-    EXPECT_FALSE(fileExists(AppInfo::historyFile()));
-}
-
 // Random visits, titles and clears against a plain list: the index and the order must agree with it.
 TEST(HistoryStore, AgreesWithAPlainListUnderRandomOperations)
 {

@@ -276,8 +276,7 @@ TEST_F(BrowserTabTest, PrivateTabsAskEveryOriginAndStoreNothing)
         data.locationSites["https://a.example"] = false; // blocked in ordinary windows
     });
     auto tab = BrowserTab::create("https://a.example/", true);
-    using State = VLDPermissionRequest::State;
-    EXPECT_EQ(tab->locationStateForOrigin(*tab->view(), "https://a.example"), State::prompt);
+    EXPECT_EQ(tab->locationStateForOrigin(*tab->view(), "https://a.example"), VLDPermissionRequest::State::prompt);
     auto request = std::make_shared<FakePermissionRequest>("https://a.example");
     EXPECT_TRUE(tab->handleLocationRequest(request));
     EXPECT_FALSE(request->answer) << "a private tab asks, whatever ordinary windows answered";
@@ -287,7 +286,7 @@ TEST_F(BrowserTabTest, PrivateTabsAskEveryOriginAndStoreNothing)
     EXPECT_TRUE(mirror->global.empty());
     EXPECT_EQ(mirror->priv, (std::vector<std::pair<std::string, int>> { { "https://a.example", 1 } }));
     EXPECT_TRUE(tab->isLocationLit());
-    EXPECT_EQ(tab->locationStateForOrigin(*tab->view(), "https://a.example"), State::granted);
+    EXPECT_EQ(tab->locationStateForOrigin(*tab->view(), "https://a.example"), VLDPermissionRequest::State::granted);
     LocationSettings::shared().setMirror(nullptr);
 }
 

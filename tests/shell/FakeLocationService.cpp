@@ -122,7 +122,6 @@ gboolean FakeLocationService::onStart(GObject* object, GDBusMethodInvocation* in
 {
     auto* self = static_cast<FakeLocationService*>(data);
     GClueClient* client = GCLUE_CLIENT(object);
-    ++self->m_starts;
     if (self->m_refusing) {
         g_dbus_method_invocation_return_dbus_error(
             invocation, "org.freedesktop.DBus.Error.AccessDenied", "The user refused location access");

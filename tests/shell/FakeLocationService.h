@@ -28,8 +28,6 @@ public:
     void setRefusing(bool refusing) { m_refusing = refusing; }
     // The desktop takes the permission back: every running client stops.
     void withdraw();
-    // How many clients were started (each start is a request that reached the service).
-    int starts() const { return m_starts; }
 
 private:
     void ownName();
@@ -45,7 +43,6 @@ private:
     double m_longitude;
     bool m_refusing = false;
     bool m_ownsName = false;
-    int m_starts = 0;
     unsigned m_nameId = 0;
 };
 

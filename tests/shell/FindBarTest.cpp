@@ -184,8 +184,7 @@ TEST_F(FindBarTest, TheOutlineIsThePassiveColourMadeReadable)
         EXPECT_TRUE(pixelIs(image.at(150, 0), row.edge)) << "the top edge";
         EXPECT_TRUE(pixelIs(image.at(0, 18), row.edge)) << "the left edge";
         EXPECT_TRUE(pixelIs(image.at(150, 4), row.fieldColor)) << "the inside";
-        // The close button's symbol, 14 pixels square in the middle of its 22: a 16-pixel bitmap scaled down,
-        // whose strongest pixel lands a shade short of the full ink.
+        // The close button's symbol, 14 pixels square in the middle of its 22, scaled down from a 16-pixel bitmap.
         EXPECT_TRUE(pixelIs(image.farthestFrom(row.fieldColor, 305, 11, 14, 14), row.ink, 6));
     }
     Rendering corners = render(bar->widget(), Color::fromHex(0xFF00FF));
