@@ -38,6 +38,7 @@ std::string css()
     result += "text.velder-find { font-size: 12px; }\n";
     result += "label.velder-find-count { font-size: 11px; font-feature-settings: \"tnum\"; color: "
         + Drawing::cssColor(passive) + "; padding: 0; margin: 0; min-height: 0; }\n";
+    result += "label.velder-notice { font-size: 13px; color: " + Drawing::cssColor(text) + "; }\n";
     return result;
 }
 
@@ -75,6 +76,9 @@ void attach(GtkWidget* widget, Kind kind)
         break;
     case Kind::count:
         gtk_widget_add_css_class(widget, "velder-find-count");
+        break;
+    case Kind::notice:
+        gtk_widget_add_css_class(widget, "velder-notice");
         break;
     }
 }

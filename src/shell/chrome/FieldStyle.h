@@ -14,6 +14,7 @@ enum class Kind {
     address, // 13-pixel text
     find, // 12-pixel text
     count, // the find bar's match count: 11-pixel tabular digits, in the passive colour
+    notice, // a line of text on the field colour (the location prompt's): 13 pixels, in the text colour
 };
 
 // Styles `widget` (a GtkText, or a GtkLabel for `count`) and makes sure the style sheet is installed.

@@ -37,6 +37,9 @@ template<class Owner> void allocateByOwner(GtkWidget* widget, int width, int hei
     }
 }
 
+// Allocates `child` at (x, y), rounded to whole pixels, with a size never below zero.
+void placeChild(GtkWidget* child, double x, double y, double width, double height);
+
 // For dispose: every child goes, a menu first.
 void unparentChildren(GtkWidget* widget);
 

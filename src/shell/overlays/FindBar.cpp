@@ -204,11 +204,6 @@ void FindBar::applyTheme()
 
 void FindBar::allocate(int width, int height)
 {
-    auto place = [](GtkWidget* child, double x, double y, double w, double h) {
-        GtkAllocation frame = { static_cast<int>(std::round(x)), static_cast<int>(std::round(y)),
-            static_cast<int>(std::max(w, 0.0)), static_cast<int>(std::max(h, 0.0)) };
-        gtk_widget_size_allocate(child, &frame, -1);
-    };
     // From the right: close, next, previous, each 24 apart; the count 50 left of previous; the field
     // from 12 to 16 short of the count.
     constexpr double button = 22;
@@ -217,13 +212,13 @@ void FindBar::allocate(int width, int height)
     double nextX = closeX - 24;
     double previousX = nextX - 24;
     double countX = previousX - 50;
-    place(m_closeButton.widget(), closeX, buttonY, button, button);
-    place(m_nextButton.widget(), nextX, buttonY, button, button);
-    place(m_previousButton.widget(), previousX, buttonY, button, button);
-    place(m_countLabel, countX, (height - 15) / 2.0, 46, 15);
+    placeChild(m_closeButton.widget(), closeX, buttonY, button, button);
+    placeChild(m_nextButton.widget(), nextX, buttonY, button, button);
+    placeChild(m_previousButton.widget(), previousX, buttonY, button, button);
+    placeChild(m_countLabel, countX, (height - 15) / 2.0, 46, 15);
     int fieldMinimum = 0, fieldHeight = 0;
     gtk_widget_measure(m_field, GTK_ORIENTATION_VERTICAL, -1, &fieldMinimum, &fieldHeight, nullptr, nullptr);
-    place(m_field, 12, (height - fieldHeight) / 2.0, countX - 16, fieldHeight);
+    placeChild(m_field, 12, (height - fieldHeight) / 2.0, countX - 16, fieldHeight);
 }
 
 void FindBar::snapshot(GtkSnapshot* snapshot)

@@ -3,6 +3,7 @@
 #include "core/Palette.h"
 #include "core/Theme.h"
 #include "shell/chrome/Drawing.h"
+#include "shell/chrome/FieldStyle.h"
 #include "shell/chrome/OwnedWidget.h"
 #include "shell/chrome/SymbolCache.h"
 
@@ -15,22 +16,16 @@ G_DEFINE_TYPE(VelderLocationPrompt, velder_location_prompt, GTK_TYPE_WIDGET)
 
 namespace {
 
-void promptMeasure(GtkWidget* widget, GtkOrientation orientation, int, int* minimum, int* natural, int*, int*)
+void promptMeasure(GtkWidget*, GtkOrientation orientation, int, int* minimum, int* natural, int*, int*)
 {
     // As wide as the page it lies over, which the overlay gives it; never wider because of its label.
-    (void)widget;
     *minimum = *natural = orientation == GTK_ORIENTATION_HORIZONTAL ? 0 : velder::LocationPrompt::height;
 }
 
-// The strip's hairline and text follow the field colour; a colour too close to it gives way to black or white.
+// The strip's hairline follows the field colour; a colour too close to it gives way to black or white.
 velder::Color hairline()
 {
     return velder::Theme::readable(velder::Palette::passiveColor(), velder::Palette::fieldColor());
-}
-
-velder::Color ink()
-{
-    return velder::Theme::readable(velder::Palette::textColor(), velder::Palette::fieldColor());
 }
 
 } // namespace
@@ -65,18 +60,18 @@ LocationPrompt::LocationPrompt()
     gtk_label_set_single_line_mode(GTK_LABEL(m_label), TRUE);
     gtk_label_set_ellipsize(GTK_LABEL(m_label), PANGO_ELLIPSIZE_END);
     gtk_label_set_xalign(GTK_LABEL(m_label), 0);
+    FieldStyle::attach(m_label, FieldStyle::Kind::notice);
     gtk_widget_set_parent(m_label, widget);
 
     const std::pair<ChromeButton*, LocationChoice> buttons[] = { { &m_allowOnce, LocationChoice::allowOnce },
         { &m_alwaysAllow, LocationChoice::alwaysAllow }, { &m_never, LocationChoice::never } };
     for (auto [button, choice] : buttons) {
-        button->ink = ink;
+        button->ink = Theme::onField;
         button->onClick = [this, choice = choice] { pick(choice); };
         gtk_widget_set_parent(button->widget(), widget);
     }
     m_never.hoverInk = [] { return Theme::destructive; };
 
-    applyTheme();
     m_themeToken = Themed::subscribeToTheme(widget, [this] { applyTheme(); });
 }
 
@@ -109,36 +104,24 @@ void LocationPrompt::hide()
 
 void LocationPrompt::applyTheme()
 {
-    PangoAttrList* attributes = pango_attr_list_new();
-    Color color = ink();
-    auto channel = [](double value) { return static_cast<guint16>(std::lround(value * 65535)); };
-    pango_attr_list_insert(
-        attributes, pango_attr_foreground_new(channel(color.red), channel(color.green), channel(color.blue)));
-    pango_attr_list_insert(attributes, pango_attr_size_new_absolute(13 * PANGO_SCALE));
-    gtk_label_set_attributes(GTK_LABEL(m_label), attributes);
-    pango_attr_list_unref(attributes);
+    FieldStyle::refresh();
     gtk_widget_queue_draw(m_widget.get());
 }
 
 void LocationPrompt::allocate(int width, int height)
 {
-    auto place = [](GtkWidget* child, double x, double y, double w, double h) {
-        GtkAllocation frame = { static_cast<int>(std::round(x)), static_cast<int>(std::round(y)),
-            static_cast<int>(std::max(w, 0.0)), static_cast<int>(std::max(h, 0.0)) };
-        gtk_widget_size_allocate(child, &frame, -1);
-    };
     // From the right: Never, Always allow, Allow once, each as wide as its title and 18 more, 4 apart.
     double right = width - 12;
     for (ChromeButton* button : { &m_never, &m_alwaysAllow, &m_allowOnce }) {
         double buttonWidth = std::ceil(button->contentWidth()) + 18;
         right -= buttonWidth;
-        place(button->widget(), right, (height - 24) / 2.0, buttonWidth, 24);
+        placeChild(button->widget(), right, (height - 24) / 2.0, buttonWidth, 24);
         right -= 4;
     }
     int minimum = 0;
     int labelHeight = 0;
     gtk_widget_measure(m_label, GTK_ORIENTATION_VERTICAL, -1, &minimum, &labelHeight, nullptr, nullptr);
-    place(m_label, 36, (height - labelHeight) / 2.0, std::max(right - 8 - 36, 0.0), labelHeight);
+    placeChild(m_label, 36, (height - labelHeight) / 2.0, std::max(right - 8 - 36, 0.0), labelHeight);
 }
 
 void LocationPrompt::snapshot(GtkSnapshot* snapshot)
