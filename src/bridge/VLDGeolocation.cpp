@@ -22,9 +22,29 @@ Road& road()
     return instance;
 }
 
+// Whether an answer of the start numbered `generation` may still reach the engine.
+bool isCurrent(std::uint64_t generation)
+{
+    return road().running && road().generation == generation;
+}
+
+// The engine no longer watches (or the source is replaced): the source stops, and late answers go nowhere.
+void stopRunning()
+{
+    Road& current = road();
+    if (!current.running) {
+        return;
+    }
+    current.running = false;
+    ++current.generation;
+    if (current.source) {
+        current.source->stop();
+    }
+}
+
 void deliver(WebKitGeolocationManager* manager, std::uint64_t generation, const VLDPosition& position)
 {
-    if (!road().running || road().generation != generation) {
+    if (!isCurrent(generation)) {
         return;
     }
     WebKitGeolocationPosition* engine
@@ -61,7 +81,7 @@ gboolean onStart(WebKitGeolocationManager* manager, gpointer)
         },
         [manager, generation](const std::string& message) {
             VLDPostToMainThread([manager, generation, message] {
-                if (road().running && road().generation == generation) {
+                if (isCurrent(generation)) {
                     webkit_geolocation_manager_failed(manager, message.c_str());
                 }
             });
@@ -71,27 +91,15 @@ gboolean onStart(WebKitGeolocationManager* manager, gpointer)
 
 void onStop(WebKitGeolocationManager*, gpointer)
 {
-    Road& current = road();
-    if (!current.running) {
-        return;
-    }
-    current.running = false;
-    ++current.generation;
-    if (current.source) {
-        current.source->stop();
-    }
+    stopRunning();
 }
 
 } // namespace
 
 void setPositionSource(std::shared_ptr<VLDPositionSource> source)
 {
+    stopRunning();
     Road& current = road();
-    if (current.running && current.source) {
-        current.source->stop();
-        current.running = false;
-        ++current.generation;
-    }
     current.source = std::move(source);
     if (!current.connected) {
         // The manager lives as long as the default context, which is the program's.
