@@ -475,8 +475,7 @@ void MainWindow::refreshChrome()
         addressBar().setText(tab ? tab->url : "");
     }
     addressBar().pin().setLit(tab && tab->isLocationLit());
-    addressBar().pin().refreshVisibility();
-    gtk_widget_queue_allocate(addressBar().widget());
+    addressBar().pin().refreshVisibility(); // a change of visibility lays the bar out again by itself
     gtk_window_set_title(m_window.get(), tab ? tab->displayTitle().c_str() : "Velder");
     gtk_widget_set_visible(m_chrome->slate().widget(), !tab || UrlHelper::isBlank(tab->url));
     m_commands->updateStates();
