@@ -373,6 +373,14 @@ void BrowserTab::setSessionAnswer(std::optional<SessionAnswer> answer)
     }
 }
 
+std::optional<std::string> BrowserTab::originOfRequest(const std::string& requestOrigin) const
+{
+    if (auto origin = UrlHelper::origin(requestOrigin)) {
+        return origin;
+    }
+    return UrlHelper::origin(url);
+}
+
 LocationAnswer BrowserTab::answerFor(const std::string& origin) const
 {
     if (m_sessionAnswer && m_sessionAnswer->origin == origin) {
@@ -385,10 +393,7 @@ VLDPermissionRequest::State BrowserTab::locationStateForOrigin(VLDBrowserView&, 
 {
     // What a request would get, so that a site asks its own question only when Velder would ask too.
     using State = VLDPermissionRequest::State;
-    std::optional<std::string> origin = UrlHelper::origin(requestOrigin);
-    if (!origin) {
-        origin = UrlHelper::origin(url);
-    }
+    std::optional<std::string> origin = originOfRequest(requestOrigin);
     if (!origin) {
         return State::prompt;
     }
@@ -411,10 +416,7 @@ bool BrowserTab::handleLocationRequest(std::shared_ptr<VLDPermissionRequest> req
     if (request->kind() != VLDPermissionRequest::Kind::geolocation) {
         return false;
     }
-    std::optional<std::string> origin = UrlHelper::origin(request->origin());
-    if (!origin) {
-        origin = UrlHelper::origin(url);
-    }
+    std::optional<std::string> origin = originOfRequest(request->origin());
     if (!origin) {
         return false;
     }
@@ -451,10 +453,7 @@ void BrowserTab::resolveLocation(LocationChoice choice)
 {
     std::shared_ptr<VLDPermissionRequest> request = std::move(pendingLocationRequest);
     pendingLocationRequest.reset();
-    std::optional<std::string> origin = request ? UrlHelper::origin(request->origin()) : std::nullopt;
-    if (!origin) {
-        origin = UrlHelper::origin(url);
-    }
+    std::optional<std::string> origin = originOfRequest(request ? request->origin() : std::string());
     if (!origin) {
         if (request) {
             request->deny();

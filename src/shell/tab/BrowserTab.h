@@ -107,6 +107,8 @@ private:
     void changed();
     void locationRequestChanged();
     void mirror(const std::string& origin);
+    // A request's origin as the answers key it; the page's own when the request names none that normalises.
+    std::optional<std::string> originOfRequest(const std::string& requestOrigin) const;
     // The answer a request from `origin` gets with the switch on: this tab's own answer for it first.
     LocationAnswer answerFor(const std::string& origin) const;
 
