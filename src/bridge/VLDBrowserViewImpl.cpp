@@ -9,6 +9,7 @@
 #include "bridge/VLDPageScripts.h"
 #include "bridge/VLDPermissionBridge.h"
 #include "bridge/VLDRequestContextImpl.h"
+#include "core/ProcessSharing.h"
 
 #include <algorithm>
 #include <cmath>
@@ -78,6 +79,7 @@ std::shared_ptr<VLDBrowserView> VLDBrowserView::viewForIdentifier(std::uint64_t 
 VLDBrowserViewImpl::VLDBrowserViewImpl(
     std::string url, std::shared_ptr<VLDRequestContextImpl> context, bool createsOwnBrowser)
     : m_identifier(nextViewIdentifier++)
+    , m_processGroup(m_identifier)
     , m_context(std::move(context))
     , m_pendingURL(std::move(url))
     , m_createsOwnBrowser(createsOwnBrowser)
@@ -143,19 +145,58 @@ void VLDBrowserViewImpl::createBrowser()
         webkit_settings_set_hardware_acceleration_policy(settings, WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
     }
     GObject* contentManager = VLDPageScripts::newContentManager();
-    GtkWidget* webView
-        = GTK_WIDGET(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", m_context->networkSession(), "web-context",
-            webkit_web_context_get_default(), "user-content-manager", contentManager, "settings", settings, nullptr));
+    GtkWidget* webView = nullptr;
+    if (auto peer = processPeer()) {
+        // A related view is in its peer's session and web process.
+        webView = GTK_WIDGET(g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", peer->webView(), "user-content-manager",
+            contentManager, "settings", settings, nullptr));
+        m_processGroup = peer->processGroup();
+    } else {
+        webView = GTK_WIDGET(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", m_context->networkSession(),
+            "web-context", webkit_web_context_get_default(), "user-content-manager", contentManager, "settings",
+            settings, nullptr));
+    }
     g_object_unref(contentManager);
     g_object_unref(settings);
     attachBrowser(webView);
 }
 
-void VLDBrowserViewImpl::attachPopupBrowser(GtkWidget* webView, std::shared_ptr<VLDRequestContextImpl> openerContext)
+std::shared_ptr<VLDBrowserViewImpl> VLDBrowserViewImpl::processPeer() const
+{
+    std::vector<std::shared_ptr<VLDBrowserViewImpl>> peers;
+    std::vector<ProcessSharing::Page> pages;
+    for (auto& view : VLDClient::liveViews()) {
+        if (view.get() == this || !view->m_webView || view->m_closeRequested || view->m_context != m_context) {
+            continue;
+        }
+        // The engine's address is the one being loaded until a document commits, then the document's.
+        const char* shown = webkit_web_view_get_uri(asWebView(view->m_webView.get()));
+        pages.push_back({ view->m_identifier, shown ? shown : "", view->m_processGroup });
+        peers.push_back(std::move(view));
+    }
+    auto related = ProcessSharing::relatedPageFor(m_pendingURL, pages);
+    for (auto& peer : peers) {
+        if (related && peer->m_identifier == *related) {
+            return peer;
+        }
+    }
+    return nullptr;
+}
+
+void VLDBrowserViewImpl::attachPopupBrowser(GtkWidget* webView, const std::shared_ptr<VLDBrowserViewImpl>& opener)
 {
     m_created = true;
-    m_context = std::move(openerContext);
+    m_context = opener->requestContext();
+    m_processGroup = opener->processGroup();
     attachBrowser(webView);
+}
+
+void VLDBrowserViewImpl::notePageIdentifier(std::uint64_t pageIdentifier)
+{
+    if (m_pageIdentifier != 0 && pageIdentifier != m_pageIdentifier) {
+        m_processGroup = m_identifier;
+    }
+    m_pageIdentifier = pageIdentifier;
 }
 
 void VLDBrowserViewImpl::attachBrowser(GtkWidget* webView)

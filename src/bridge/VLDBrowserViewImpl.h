@@ -59,9 +59,15 @@ public:
 
     // The host was placed in a window: an own-browser view creates its browser the first time.
     void hostWasRooted();
-    // The engine made a popup into this host: `webView` (a new engine view) becomes its browser, in the
-    // opener's session.
-    void attachPopupBrowser(GtkWidget* webView, std::shared_ptr<VLDRequestContextImpl> openerContext);
+    // The engine made a popup into this host: `webView` (a new engine view, related to the opener's) becomes
+    // its browser, in the opener's session and process.
+    void attachPopupBrowser(GtkWidget* webView, const std::shared_ptr<VLDBrowserViewImpl>& opener);
+
+    // The view in whose web process this one's page was created (itself when it was created alone).
+    std::uint64_t processGroup() const { return m_processGroup; }
+    // A main-frame commit's page identifier. WebKit gives a page a new one when it moves it to another web
+    // process, as it does on a navigation to another site: the view no longer shares its group's process.
+    void notePageIdentifier(std::uint64_t pageIdentifier);
 
     // Reports from the engine: each updates the view, then tells the delegate.
     void reportAddress(const std::string& url);
@@ -101,6 +107,8 @@ public:
 
 private:
     void createBrowser();
+    // A live view of the same session whose web process this view's page should join, or null.
+    std::shared_ptr<VLDBrowserViewImpl> processPeer() const;
     void attachBrowser(GtkWidget* webView);
     void tearDown();
     void navigate(const std::string& expectedURL, const std::function<void()>& command);
@@ -109,6 +117,8 @@ private:
     static gboolean keyPressed(GtkEventControllerKey*, unsigned keyval, unsigned keycode, GdkModifierType, gpointer);
 
     std::uint64_t m_identifier;
+    std::uint64_t m_processGroup;
+    std::uint64_t m_pageIdentifier = 0;
     GObjectPtr<GtkWidget> m_host;
     GObjectPtr<GtkWidget> m_webView;
     std::shared_ptr<VLDRequestContextImpl> m_context;

@@ -97,6 +97,7 @@ void onLoadChanged(WebKitWebView* webView, WebKitLoadEvent event, gpointer data)
         break;
     case WEBKIT_LOAD_COMMITTED: {
         std::string uri = uriOf(webView);
+        view->notePageIdentifier(webkit_web_view_get_page_id(webView));
         view->setCommittedURL(uri);
         view->selectionText.clear();
         // The engine never withdraws a permission request: a new document stands for it.
@@ -286,7 +287,7 @@ GtkWidget* onCreate(WebKitWebView* webView, WebKitNavigationAction* action, gpoi
         // A velder:// page opened it: the popup's first load is the opener's, and may go on.
         host->expectOwnNavigation(url);
     }
-    host->attachPopupBrowser(popup, opener->requestContext());
+    host->attachPopupBrowser(popup, opener);
     if (auto openerDelegate = opener->delegate()) {
         openerDelegate->didCreatePopup(*opener, *host);
     }
@@ -482,6 +483,17 @@ std::shared_ptr<VLDBrowserViewImpl> VLDClient::viewForIdentifier(std::uint64_t i
 {
     auto found = viewTable().find(identifier);
     return found == viewTable().end() ? nullptr : found->second.lock();
+}
+
+std::vector<std::shared_ptr<VLDBrowserViewImpl>> VLDClient::liveViews()
+{
+    std::vector<std::shared_ptr<VLDBrowserViewImpl>> views;
+    for (const auto& [identifier, weakView] : viewTable()) {
+        if (auto view = weakView.lock()) {
+            views.push_back(std::move(view));
+        }
+    }
+    return views;
 }
 
 std::shared_ptr<VLDBrowserViewImpl> VLDClient::viewForWebView(GtkWidget* webView)

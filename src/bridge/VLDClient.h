@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <gtk/gtk.h>
 #include <memory>
+#include <vector>
 
 namespace velder {
 
@@ -18,6 +19,8 @@ public:
     static void registerView(const std::shared_ptr<VLDBrowserViewImpl>& view);
     static void unregisterView(std::uint64_t identifier);
     static std::shared_ptr<VLDBrowserViewImpl> viewForIdentifier(std::uint64_t identifier);
+    // Every live view, in no particular order.
+    static std::vector<std::shared_ptr<VLDBrowserViewImpl>> liveViews();
     // The view hosting an engine view, or null.
     static std::shared_ptr<VLDBrowserViewImpl> viewForWebView(GtkWidget* webView);
 
