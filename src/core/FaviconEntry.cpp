@@ -7,9 +7,10 @@ namespace velder {
 // Stored below "Icons", where every key stays as written: "mime", "data", "fetchedUtc".
 void encodeJson(const FaviconEntry& entry, JsonObjectOut& out)
 {
-    out.putString("mime", entry.mime);
+    // Sorted, as the file keeps them.
     out.putString("data", entry.data);
     out.putDate("fetchedUtc", entry.fetchedUtc);
+    out.putString("mime", entry.mime);
 }
 
 void decodeJson(const JsonObjectIn& in, FaviconEntry& entry)
