@@ -188,6 +188,7 @@ TEST_F(BrowserTabTest, AnEmptyFindClearsWithoutSearching)
     EXPECT_EQ(view->commands.back(), "find word backward next");
 }
 
+// A pick of "Never" through the window, stored and then refusing the page, is LocationServiceTest's.
 TEST_F(BrowserTabTest, LocationRequestsFollowTheStoredAnswersAndTheSessionAnswer)
 {
     auto mirror = std::make_shared<RecordingMirror>();
@@ -229,13 +230,6 @@ TEST_F(BrowserTabTest, LocationRequestsFollowTheStoredAnswersAndTheSessionAnswer
     fakeViewOf(*tab)->reportAddress("https://b.example/");
     EXPECT_FALSE(tab->sessionAnswer());
     EXPECT_EQ(mirror->global, (std::vector<std::pair<std::string, int>> { { "https://a.example", 3 } }));
-
-    // "Never" is stored and mirrored.
-    auto third = std::make_shared<FakePermissionRequest>("https://b.example");
-    tab->handleLocationRequest(third);
-    tab->resolveLocation(LocationChoice::never);
-    EXPECT_EQ(third->answer, false);
-    EXPECT_EQ(Vault::shared().snapshot()->locationSites.at("https://b.example"), false);
 
     // With the switch off every request is denied, and no pin is lit.
     Vault::shared().update([](VaultData& data) { data.settings.locationEnabled = false; });
