@@ -22,29 +22,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// A session bus of the test's own: a running Velder is found through the session bus, and tests running side
-// by side must not find each other's.
-class PrivateSessionBus {
-public:
-    PrivateSessionBus()
-        : m_daemon({ "/usr/bin/dbus-daemon", "--session", "--nofork", "--print-address=2" })
-    {
-        m_daemon.waitForLine("unix:", 10s);
-        for (const auto& line : m_daemon.errorLines()) {
-            if (line.starts_with("unix:")) {
-                m_address = line;
-            }
-        }
-    }
-    ~PrivateSessionBus() { m_daemon.signal(SIGTERM); }
-    const std::string& address() const { return m_address; }
-
-private:
-    ChildProcess m_daemon;
-    std::string m_address;
-};
-
-std::map<std::string, std::optional<std::string>> profileEnvironment(const TempDir& root, const PrivateSessionBus& bus)
+// Each test has a session bus of its own: a running Velder is found through the session bus, and tests
+// running side by side must not find each other's.
+std::map<std::string, std::optional<std::string>> profileEnvironment(const TempDir& root, const PrivateBus& bus)
 {
     return { { "XDG_DATA_HOME", root.file("data") }, { "XDG_CACHE_HOME", root.file("cache") },
         { "HOME", root.file("home") }, { "DBUS_SESSION_BUS_ADDRESS", bus.address() } };
@@ -90,7 +70,7 @@ constexpr int windowMiddleY = 500;
 TEST(Startup, WithoutADisplayVelderSaysWhyAndExitsWithOne)
 {
     TempDir root;
-    PrivateSessionBus bus;
+    PrivateBus bus;
     auto environment = profileEnvironment(root, bus);
     environment["DISPLAY"] = std::nullopt;
     environment["WAYLAND_DISPLAY"] = std::nullopt;
@@ -103,7 +83,7 @@ TEST(Startup, WithoutADisplayVelderSaysWhyAndExitsWithOne)
 TEST(Startup, ASecondLaunchHandsItsAddressToTheRunningVelder)
 {
     TempDir root;
-    PrivateSessionBus bus;
+    PrivateBus bus;
     ASSERT_FALSE(bus.address().empty());
     auto environment = profileEnvironment(root, bus);
     ChildProcess first({ VELDER_BINARY, "about:blank" }, environment);
@@ -131,7 +111,7 @@ TEST(Startup, ASecondLaunchHandsItsAddressToTheRunningVelder)
 TEST(Startup, EveryAddressOpensAndAPrivateWindowFromColdLeavesNoTrace)
 {
     TempDir root;
-    PrivateSessionBus bus;
+    PrivateBus bus;
     TestServer server;
     server.route("/secret", TestResponse::html("<title>Secret</title><img src=/shown>"));
     server.route("/shown", TestResponse::html(""));
@@ -160,7 +140,7 @@ TEST(Startup, TwoProfilesRunSideBySide)
 {
     TempDir first;
     TempDir second;
-    PrivateSessionBus bus;
+    PrivateBus bus;
     ChildProcess one({ VELDER_BINARY, "about:blank" }, profileEnvironment(first, bus));
     ASSERT_TRUE(showsAWindow(one));
     ChildProcess two({ VELDER_BINARY, "about:history" }, profileEnvironment(second, bus));
@@ -174,7 +154,7 @@ TEST(Startup, TwoProfilesRunSideBySide)
 TEST(Startup, CtrlQInAPageQuitsAndSavesTheSession)
 {
     TempDir root;
-    PrivateSessionBus bus;
+    PrivateBus bus;
     ChildProcess velder({ VELDER_BINARY, "velder://about/" }, profileEnvironment(root, bus));
     ASSERT_TRUE(showsAWindow(velder));
     if (!RealInput::pressKeyOnScreen(windowMiddleX, windowMiddleY, GDK_KEY_q, { GDK_KEY_Control_L })) {
@@ -195,7 +175,7 @@ TEST(Startup, OnWaylandTheSavedSizeComesBack)
         GTEST_SKIP() << "needs weston";
     }
     TempDir root;
-    PrivateSessionBus bus;
+    PrivateBus bus;
     std::string runtime = root.file("runtime");
     std::filesystem::create_directories(runtime);
     std::filesystem::permissions(runtime, std::filesystem::perms::owner_all);

@@ -19,6 +19,7 @@ void BridgeTest::SetUp()
 
 void BridgeTest::TearDown()
 {
+    delegate.reset(); // it goes with the test's body, before its views: no report reaches what the body kept
     m_views.clear();
     for (GtkWidget* window : m_windows) {
         gtk_window_destroy(GTK_WINDOW(window));

@@ -86,7 +86,6 @@ public:
     // Answers, for the operations that have one.
     std::function<std::shared_ptr<VLDBrowserView>(const std::string& url, bool isUserGesture)> popupHost;
     std::function<bool(const std::string& url)> allowNavigation = [](const std::string&) { return true; };
-    bool handlesNewTabs = true;
     std::function<bool(std::int32_t code, std::uint32_t modifiers)> handlesKey
         = [](std::int32_t, std::uint32_t) { return false; };
     // Returned by shouldHandlePermissionRequest; the request is kept in permissionRequests.
@@ -140,7 +139,7 @@ public:
     bool openURLInNewTab(VLDBrowserView&, const std::string& url, bool foreground) override
     {
         newTabs.push_back({ url, foreground });
-        return handlesNewTabs;
+        return true;
     }
     void didRefuseCertificate(VLDBrowserView&, const std::string& url, std::int32_t code) override
     {
@@ -217,6 +216,8 @@ protected:
     // GLib reads the user's folders (the download folder among them) from here.
     std::unique_ptr<ScopedEnv> m_configHome;
     std::unique_ptr<TestServer> m_server;
+    // The delegate of the test's view (a test with several views makes the others its own).
+    std::shared_ptr<RecordingDelegate> delegate = std::make_shared<RecordingDelegate>();
     std::vector<GtkWidget*> m_windows;
     std::vector<std::shared_ptr<VLDBrowserView>> m_views;
 };

@@ -15,7 +15,6 @@ TEST_F(BrowserViewTest, BrowserIsCreatedOncePlacedInAWindowWithWhatWasGivenBefor
 {
     m_server->route("/first", TestResponse::html(page("First")));
     m_server->route("/second", TestResponse::html(page("Second")));
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto view = VLDBrowserView::create(m_server->url("/first"));
     m_views.push_back(view);
     view->setDelegate(delegate);
@@ -63,7 +62,6 @@ TEST_F(BrowserViewTest, ReportsAddressTitleAndLoadingState)
 {
     m_server->route("/one", TestResponse::html(page("Page one")));
     m_server->route("/two", TestResponse::html(page("Page two")));
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView(m_server->url("/one"), delegate);
 
     ASSERT_TRUE(
@@ -104,7 +102,6 @@ TEST_F(BrowserViewTest, CookiesStayInTheirSessionUntilCleared)
     auto context = VLDRequestContext::inMemoryContext();
     EXPECT_TRUE(context->isEphemeral());
     EXPECT_FALSE(VLDRequestContext::globalContext()->isEphemeral());
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openLoaded(m_server->url("/set"), delegate, context);
     ASSERT_TRUE(loadAndWait(*view, *delegate, m_server->url("/check")));
     EXPECT_EQ(cookieOfLastCheck(), "k=v");

@@ -17,19 +17,17 @@ protected:
         m_server->route("/file.bin",
             TestResponse { 200, "application/octet-stream", std::string(1000, 'x'),
                 { { "Content-Disposition", "attachment; filename=\"report:1.bin\"" } } });
-        m_delegate = std::make_shared<RecordingDelegate>();
-        m_view = openLoaded(m_server->url("/start"), m_delegate);
+        m_view = openLoaded(m_server->url("/start"), delegate);
     }
 
     bool finished() const
     {
-        return std::any_of(m_delegate->downloadUpdates.begin(), m_delegate->downloadUpdates.end(),
+        return std::any_of(delegate->downloadUpdates.begin(), delegate->downloadUpdates.end(),
             [](const VLDDownloadItem& item) { return !item.isInProgress; });
     }
 
     std::string downloads() const { return m_profile->root().file("home/Downloads"); }
 
-    std::shared_ptr<RecordingDelegate> m_delegate;
     std::shared_ptr<VLDBrowserView> m_view;
 };
 
@@ -40,8 +38,8 @@ TEST_F(DownloadTest, TheOwnerChoosesTheDestination)
     std::string path = m_profile->root().file("chosen.bin");
     writeBytes(path, { 'o', 'l', 'd' });
     m_view->loadURL(m_server->url("/file.bin"));
-    ASSERT_TRUE(runMainLoopUntil([&] { return m_delegate->downloadCallbacks.size() == 1; }));
-    const VLDDownloadItem& question = m_delegate->downloadQuestions[0];
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->downloadCallbacks.size() == 1; }));
+    const VLDDownloadItem& question = delegate->downloadQuestions[0];
     EXPECT_EQ(question.url, m_server->url("/file.bin"));
     EXPECT_EQ(question.suggestedFilename, "report_1.bin");
     EXPECT_TRUE(question.isInProgress);
@@ -52,11 +50,11 @@ TEST_F(DownloadTest, TheOwnerChoosesTheDestination)
     EXPECT_EQ(readBytes(path).size(), 3u);
     EXPECT_FALSE(finished());
 
-    m_delegate->downloadCallbacks[0]->continueWithPath(path);
-    m_delegate->downloadCallbacks[0]->cancel();
-    EXPECT_FALSE(m_delegate->downloadCallbacks[0]->wasCancelled());
+    delegate->downloadCallbacks[0]->continueWithPath(path);
+    delegate->downloadCallbacks[0]->cancel();
+    EXPECT_FALSE(delegate->downloadCallbacks[0]->wasCancelled());
     ASSERT_TRUE(runMainLoopUntil([&] { return finished(); }));
-    const VLDDownloadItem& last = m_delegate->downloadUpdates.back();
+    const VLDDownloadItem& last = delegate->downloadUpdates.back();
     EXPECT_TRUE(last.isComplete);
     EXPECT_FALSE(last.isCanceled);
     EXPECT_EQ(last.identifier, question.identifier);
@@ -73,15 +71,15 @@ TEST_F(DownloadTest, TheOwnerChoosesTheDestination)
 // A cancel stops the download before anything is written, and the owner hears it ended.
 TEST_F(DownloadTest, ACancelStopsIt)
 {
-    m_delegate->decideDownload = [](const VLDDownloadItem&, std::shared_ptr<VLDDownloadCallback> callback) {
+    delegate->decideDownload = [](const VLDDownloadItem&, std::shared_ptr<VLDDownloadCallback> callback) {
         callback->cancel();
         return true;
     };
     m_view->startDownload(m_server->url("/file.bin"));
     ASSERT_TRUE(runMainLoopUntil([&] { return finished(); }));
-    EXPECT_EQ(m_delegate->downloadQuestions.size(), 1u);
-    EXPECT_TRUE(m_delegate->downloadUpdates.back().isCanceled);
-    EXPECT_TRUE(std::none_of(m_delegate->downloadUpdates.begin(), m_delegate->downloadUpdates.end(),
+    EXPECT_EQ(delegate->downloadQuestions.size(), 1u);
+    EXPECT_TRUE(delegate->downloadUpdates.back().isCanceled);
+    EXPECT_TRUE(std::none_of(delegate->downloadUpdates.begin(), delegate->downloadUpdates.end(),
         [](const VLDDownloadItem& item) { return item.isComplete; }));
     EXPECT_EQ(VLDDownloadBridge::callbackCountForTesting(), 0u);
     runMainLoopFor(200ms);
@@ -104,14 +102,14 @@ TEST_F(DownloadTest, TheDefaultPathIsUnique)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        m_delegate->downloadUpdates.clear();
-        m_delegate->decideDownload
+        delegate->downloadUpdates.clear();
+        delegate->decideDownload
             = [&](const VLDDownloadItem&, std::shared_ptr<VLDDownloadCallback>) { return row.keepsCallback; };
         LogCapture log;
         m_view->startDownload(m_server->url("/file.bin"));
         ASSERT_TRUE(runMainLoopUntil([&] { return finished(); }));
-        EXPECT_TRUE(m_delegate->downloadUpdates.back().isComplete);
-        EXPECT_EQ(m_delegate->downloadUpdates.back().fullPath, downloads() + "/" + row.expectedFile);
+        EXPECT_TRUE(delegate->downloadUpdates.back().isComplete);
+        EXPECT_EQ(delegate->downloadUpdates.back().fullPath, downloads() + "/" + row.expectedFile);
         EXPECT_EQ(readBytes(downloads() + "/" + row.expectedFile).size(), 1000u);
         EXPECT_EQ(log.contains("Velder: a download destination callback was dropped without an answer. Continuing "
                                "to the default path. This is a bug: see VLDDownloadCallback."),
@@ -125,11 +123,11 @@ TEST_F(DownloadTest, SameNameDownloadsStartedTogetherBothLand)
 {
     m_view->startDownload(m_server->url("/file.bin"));
     m_view->startDownload(m_server->url("/file.bin"));
-    ASSERT_TRUE(runMainLoopUntil([&] { return m_delegate->downloadCallbacks.size() == 2; }));
-    m_delegate->downloadCallbacks[0]->continueWithPath(std::nullopt);
-    m_delegate->downloadCallbacks[1]->continueWithPath(std::nullopt);
+    ASSERT_TRUE(runMainLoopUntil([&] { return delegate->downloadCallbacks.size() == 2; }));
+    delegate->downloadCallbacks[0]->continueWithPath(std::nullopt);
+    delegate->downloadCallbacks[1]->continueWithPath(std::nullopt);
     auto ended = [&](bool complete) {
-        return std::ranges::count_if(m_delegate->downloadUpdates,
+        return std::ranges::count_if(delegate->downloadUpdates,
             [&](const VLDDownloadItem& item) { return !item.isInProgress && item.isComplete == complete; });
     };
     ASSERT_TRUE(runMainLoopUntil([&] { return ended(true) + ended(false) == 2; }));

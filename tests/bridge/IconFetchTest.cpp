@@ -49,7 +49,6 @@ TEST_F(IconFetchTest, FetchesThroughThePagesSession)
     m_server->route("/exact.png", TestResponse { 200, "image/png", bytesOf(limit) });
     m_server->route("/over.png", TestResponse { 200, "image/png", bytesOf(limit + 1) });
     m_server->route("/empty.png", TestResponse { 200, "image/png", "" });
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openLoaded(m_server->url("/page"), delegate);
 
     struct Row {

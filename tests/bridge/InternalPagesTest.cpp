@@ -78,7 +78,6 @@ protected:
 // with neither body nor headers. The source is asked with the requesting view.
 TEST_F(InternalPagesTest, PagesAndTheirHeaders)
 {
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView("velder://test/", delegate);
     ASSERT_TRUE(
         runMainLoopUntil([&] { return delegate->isIdleAt("velder://test/") && view->pageTitle() == "Internal"; }));
@@ -113,7 +112,6 @@ TEST_F(InternalPagesTest, PagesAndTheirHeaders)
 // list nor a reload can repeat it.
 TEST_F(InternalPagesTest, RedirectsAreFollowedWithoutCommittingTheAction)
 {
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openLoaded("velder://test/", delegate);
 
     view->loadURL("velder://test/act?clear=1");

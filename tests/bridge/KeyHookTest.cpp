@@ -15,7 +15,6 @@ TEST_F(KeyHookTest, KeysReachTheOwnerBeforeThePage)
     std::string page = "<!doctype html><title>Keys</title><body><script>window.seen = [];"
                        "addEventListener('keydown', e => seen.push(e.key.toLowerCase()));</script></body>";
     m_server->route("/keys", TestResponse::html(page));
-    auto delegate = std::make_shared<RecordingDelegate>();
     delegate->handlesKey
         = [](std::int32_t code, std::uint32_t modifiers) { return code == 84 && modifiers == KeyModifier::command; };
     auto view = openLoaded(m_server->url("/keys"), delegate);

@@ -25,7 +25,6 @@ TEST_F(LifeSpanTest, PopupsBecomeHostViewsTheOwnerSupplies)
     m_server->route("/popup", TestResponse::html(page("Popup")));
     m_server->route("/refused", TestResponse::html(page("Refused")));
     m_server->route("/unasked", TestResponse::html(page("Unasked")));
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto popupDelegate = std::make_shared<RecordingDelegate>();
     auto view = openLoaded(m_server->url("/opener"), delegate);
 
@@ -74,7 +73,6 @@ TEST_F(LifeSpanTest, CloseTearsDownAndEndsThePage)
     std::string body = "<script>addEventListener('pagehide', () => navigator.sendBeacon('/gone', 'x'));</script>";
     m_server->route("/closing", TestResponse::html(page("Closing", body)));
     m_server->route("/gone", TestResponse::html(""));
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openLoaded(m_server->url("/closing"), delegate);
     GtkWidget* engineView = GTK_WIDGET(webViewOf(*view));
     g_object_add_weak_pointer(G_OBJECT(engineView), reinterpret_cast<gpointer*>(&engineView));

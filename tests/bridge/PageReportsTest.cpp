@@ -14,7 +14,6 @@ TEST_F(PageReportsTest, LoadErrorsOfTheMainFrameOnly)
     std::string refused = "http://127.0.0.1:" + std::to_string(freeLoopbackPort()) + "/nothing";
     m_server->route("/framed", TestResponse::html(page("Framed", "<iframe src='" + refused + "'></iframe>")));
     m_server->route("/slow", TestResponse { 200, "text/html", page("Slow"), {}, {}, 3000 });
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView("", delegate);
 
     view->loadURL(refused);
@@ -44,7 +43,6 @@ TEST_F(PageReportsTest, NavigationDecisionsAreForTheMainFrame)
     m_server->route("/moved", TestResponse::redirect("/target"));
     m_server->route("/target", TestResponse::html(page("Target")));
     m_server->route("/vetoed", TestResponse::html(page("Vetoed")));
-    auto delegate = std::make_shared<RecordingDelegate>();
     delegate->allowNavigation = [](const std::string& url) { return url.find("/vetoed") == std::string::npos; };
     auto view = openView(m_server->url("/start"), delegate);
 
@@ -76,7 +74,6 @@ TEST_F(PageReportsTest, NewTabClicks)
     std::string links = "<a id=plain href='/t1' style='font-size:40px'>one</a><br>"
                         "<a id=blank href='/t2' target=_blank style='font-size:40px'>two</a>";
     m_server->route("/links", TestResponse::html(page("Links", links)));
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openLoaded(m_server->url("/links"), delegate);
 
     struct Row {
@@ -124,7 +121,6 @@ TEST_F(PageReportsTest, FaviconCandidates)
                        "<link rel='shortcut icon' href='/b.ico'>";
     m_server->route("/icons", TestResponse::html(page("Icons", "", head)));
     m_server->route("/plain", TestResponse::html(page("Plain")));
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView(m_server->url("/icons"), delegate);
 
     ASSERT_TRUE(runMainLoopUntil([&] { return !delegate->faviconLists.empty(); }));
@@ -148,7 +144,6 @@ TEST_F(PageReportsTest, FaviconCandidates)
 TEST_F(PageReportsTest, FindCountsMatchesAndTheActiveOne)
 {
     m_server->route("/text", TestResponse::html(page("Text", "<p>foo one</p><p>two FOO</p><p>three foo</p>")));
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openLoaded(m_server->url("/text"), delegate);
 
     struct Row {
@@ -194,7 +189,6 @@ TEST_F(PageReportsTest, TheActiveMatchIsTheOneSelectedAfterAPressInThePage)
     }
     body += "<script>let presses = 0; addEventListener('mousedown', () => ++presses);</script>";
     m_server->route("/matches", TestResponse::html(page("Matches", body)));
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openLoaded(m_server->url("/matches"), delegate);
     auto find = [&](bool forward, bool findNext) {
         size_t before = delegate->findResults.size();
@@ -241,7 +235,6 @@ TEST_F(PageReportsTest, ContextMenuInfo)
         = "<p><a id=link href='/elsewhere' style='font-size:40px'>a link</a></p>"
           "<p style='font-size:40px'>some <span id=word>words</span> here</p><input id=field style='width:300px'>";
     m_server->route("/menu", TestResponse::html(page("Menu", body)));
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openLoaded(m_server->url("/menu"), delegate);
 
     ASSERT_TRUE(clickElement(*view, "#link", 3));
@@ -272,7 +265,6 @@ TEST_F(PageReportsTest, BadCertificatesAreRefused)
 {
     TestServer secure(TestServer::Scheme::https);
     secure.route("/secret", TestResponse::html(page("Secret")));
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openView(secure.url("/secret"), delegate);
 
     ASSERT_TRUE(runMainLoopUntil([&] { return !delegate->failures.empty() && !view->isLoading(); }));
@@ -287,7 +279,6 @@ TEST_F(PageReportsTest, BadCertificatesAreRefused)
 TEST_F(PageReportsTest, AnEndedWebProcessIsReported)
 {
     m_server->route("/page", TestResponse::html(page("Page")));
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openLoaded(m_server->url("/page"), delegate);
 
     webkit_web_view_terminate_web_process(webViewOf(*view));

@@ -36,7 +36,6 @@ protected:
 // and the prompt then ends for the owner as the engine would end it.
 TEST_F(PermissionTest, GeolocationRequestsReachTheOwner)
 {
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openGeolocationPage(delegate);
 
     evaluate(*view, "ask()");
@@ -58,7 +57,6 @@ TEST_F(PermissionTest, GeolocationRequestsReachTheOwner)
 // Closing the view denies what it still asked, before the owner hears the browser's last word.
 TEST_F(PermissionTest, AClosedViewDeniesItsRequests)
 {
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto view = openGeolocationPage(delegate);
     evaluate(*view, "ask()");
     ASSERT_TRUE(runMainLoopUntil([&] { return delegate->permissionRequests.size() == 1; }));
@@ -76,7 +74,6 @@ TEST_F(PermissionTest, AClosedViewDeniesItsRequests)
 // goes, ends the request without an answer from the owner.
 TEST_F(PermissionTest, StoredAnswersRefusalsAndWithdrawal)
 {
-    auto delegate = std::make_shared<RecordingDelegate>();
     auto context = VLDRequestContext::inMemoryContext();
     auto view = openGeolocationPage(delegate, context);
 

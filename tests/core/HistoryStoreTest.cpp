@@ -30,11 +30,15 @@ std::vector<std::string> urls(const std::vector<HistoryEntry>& entries)
     return result;
 }
 
+class HistoryStoreTest : public testing::Test {
+protected:
+    ScopedStores stores;
+};
+
 } // namespace
 
-TEST(HistoryStore, RecordKeepsOneEntryPerAddressNewestFirst)
+TEST_F(HistoryStoreTest, RecordKeepsOneEntryPerAddressNewestFirst)
 {
-    ScopedStores stores;
     auto& history = stores.history();
     history.record("https://example.com/", "Example", at(0));
     history.record(" https://example.com/ \n", "", at(10));
@@ -52,9 +56,8 @@ TEST(HistoryStore, RecordKeepsOneEntryPerAddressNewestFirst)
 }
 
 // The model test below keeps its limit fixed; a lowered limit takes effect at the next visit.
-TEST(HistoryStore, ALoweredLimitTakesEffectAtTheNextVisit)
+TEST_F(HistoryStoreTest, ALoweredLimitTakesEffectAtTheNextVisit)
 {
-    ScopedStores stores;
     auto& history = stores.history();
     for (int i = 0; i < 3; ++i) {
         history.record(numbered("https://", i) + ".example/", "", at(i));
@@ -65,9 +68,8 @@ TEST(HistoryStore, ALoweredLimitTakesEffectAtTheNextVisit)
     EXPECT_EQ(urls(history.entries()), std::vector<std::string> { "https://1.example/" });
 }
 
-TEST(HistoryStore, AZeroLimitSwitchesHistoryOff)
+TEST_F(HistoryStoreTest, AZeroLimitSwitchesHistoryOff)
 {
-    ScopedStores stores;
     std::string file = AppInfo::historyFile();
     stores.setSettings([](AppSettings& s) { s.maxHistory = 0; });
     stores.history().record("https://a.example/", "", at(0));
@@ -86,9 +88,8 @@ TEST(HistoryStore, AZeroLimitSwitchesHistoryOff)
     EXPECT_EQ(stores.history().count(), 0u) << "emptying the history is written";
 }
 
-TEST(HistoryStore, UpdateTitleChangesOnlyTheTitle)
+TEST_F(HistoryStoreTest, UpdateTitleChangesOnlyTheTitle)
 {
-    ScopedStores stores;
     auto& history = stores.history();
     history.record("https://a.example/", "A", at(0));
     history.record("https://b.example/", "", at(1));
@@ -108,7 +109,7 @@ TEST(HistoryStore, UpdateTitleChangesOnlyTheTitle)
     EXPECT_EQ(history.entries()[1].title, " New A ") << "the address is trimmed, the title is not";
 }
 
-TEST(HistoryStore, SuggestionTiers)
+TEST_F(HistoryStoreTest, SuggestionTiers)
 {
     struct Case {
         const char* query;
@@ -169,7 +170,7 @@ TEST(HistoryStore, SuggestionTiers)
 
 // The search compares eight bytes at a time: the query must be found at any offset and in any case,
 // and the bytes that fold onto a letter's neighbours ("@" and "`" around "a") must not fool it.
-TEST(HistoryStore, ContainsFindsTheQueryAtEveryOffset)
+TEST_F(HistoryStoreTest, ContainsFindsTheQueryAtEveryOffset)
 {
     for (size_t offset = 0; offset < 20; ++offset) {
         SCOPED_TRACE(offset);
@@ -186,9 +187,8 @@ TEST(HistoryStore, ContainsFindsTheQueryAtEveryOffset)
     }
 }
 
-TEST(HistoryStore, SuggestionTiesGoToVisitsThenDateThenStoreOrder)
+TEST_F(HistoryStoreTest, SuggestionTiesGoToVisitsThenDateThenStoreOrder)
 {
-    ScopedStores stores;
     auto& history = stores.history();
     history.record("https://a.example/1", "", at(100)); // later visit, older position
     history.record("https://a.example/2", "", at(50));
@@ -202,9 +202,8 @@ TEST(HistoryStore, SuggestionTiesGoToVisitsThenDateThenStoreOrder)
         (std::vector<std::string> { "https://a.example/4", "https://a.example/1" }));
 }
 
-TEST(HistoryStore, WholeSecondDatesInAReloadedFileFallBackToStoreOrder)
+TEST_F(HistoryStoreTest, WholeSecondDatesInAReloadedFileFallBackToStoreOrder)
 {
-    ScopedStores stores;
     Date base = at(0);
     stores.history().record("https://a.example/old", "", base + 300ms);
     stores.history().record("https://a.example/new", "", base + 100ms); // newer position, earlier date
@@ -215,9 +214,8 @@ TEST(HistoryStore, WholeSecondDatesInAReloadedFileFallBackToStoreOrder)
         (std::vector<std::string> { "https://a.example/new", "https://a.example/old" }));
 }
 
-TEST(HistoryStore, ClearEmptiesHistoryAndIconsEvenWhenEmpty)
+TEST_F(HistoryStoreTest, ClearEmptiesHistoryAndIconsEvenWhenEmpty)
 {
-    ScopedStores stores;
     ASSERT_TRUE(stores.favicons().store(pngSignature, "a.example"));
     stores.history().clear();
     stores.history().flushNow();
@@ -231,9 +229,8 @@ TEST(HistoryStore, ClearEmptiesHistoryAndIconsEvenWhenEmpty)
     EXPECT_EQ(stores.history().count(), 0u);
 }
 
-TEST(HistoryStore, LoadKeepsTheFirstOfEachAddressAndTrimsWithoutWriting)
+TEST_F(HistoryStoreTest, LoadKeepsTheFirstOfEachAddressAndTrimsWithoutWriting)
 {
-    ScopedStores stores;
     HistoryData stored { {
         { "https://a.example/", "A new", at(9), 2 },
         { "https://b.example/", "B", at(8), 1 },
@@ -257,9 +254,8 @@ TEST(HistoryStore, LoadKeepsTheFirstOfEachAddressAndTrimsWithoutWriting)
 }
 
 // Random visits, titles and clears against a plain list: the index and the order must agree with it.
-TEST(HistoryStore, AgreesWithAPlainListUnderRandomOperations)
+TEST_F(HistoryStoreTest, AgreesWithAPlainListUnderRandomOperations)
 {
-    ScopedStores stores;
     stores.setSettings([](AppSettings& s) { s.maxHistory = 40; });
     std::vector<HistoryEntry> model; // newest first
     std::mt19937 random(7);
@@ -319,9 +315,8 @@ TEST(HistoryStore, AgreesWithAPlainListUnderRandomOperations)
 }
 
 // A tampered history starts fresh, and is kept aside with its bytes intact when the fresh one is first written.
-TEST(HistoryStore, ATamperedFileIsKeptAsideNotReplaced)
+TEST_F(HistoryStoreTest, ATamperedFileIsKeptAsideNotReplaced)
 {
-    ScopedStores stores;
     std::vector<std::uint8_t> tampered(64, 0x5a);
     writeBytes(AppInfo::historyFile(), tampered);
     stores.reloadHistory();

@@ -126,34 +126,15 @@ TEST(PageShell, AMissingOrBrokenTemplateFallsBackWithOneLine)
     EXPECT_TRUE(log.lines().empty());
 }
 
-TEST(PageShell, TheCompiledInTemplateHoldsEveryPlaceholder)
+TEST(PageShell, TheCompiledInTemplateLoadsNothingFromOutside)
 {
     auto resource = Resources::lookup("shell.html");
     ASSERT_TRUE(resource);
     EXPECT_EQ(PageShell::templateText(), *resource);
-    for (const char* placeholder : { "{{TITLE}}", "{{HEADING}}", "{{NAV}}", "{{FG}}", "{{FG_LIT}}", "{{MUTED}}",
-             "{{ACCENT}}", "{{ON_ACCENT}}", "{{PANEL}}", "{{ON_PANEL}}", "{{BODY}}" }) {
-        SCOPED_TRACE(placeholder);
-        EXPECT_NE(resource->find(placeholder), std::string_view::npos);
-    }
     // Nothing loads from outside: no remote stylesheets, fonts or images.
     for (const char* remote : { "http:", "https:", "@import", "url(", "<link", "<script" }) {
         SCOPED_TRACE(remote);
         EXPECT_EQ(resource->find(remote), std::string_view::npos);
-    }
-    // Every class the pages use has a rule.
-    for (const char* name : { "wrap", "tiles", "tile", "pinned", "head", "mark", "icon", "acts", "act", "face", "name",
-             "sub", "meta", "empty", "actions", "note", "grid", "lbl", "swatches", "sw", "checks", "check", "row",
-             "saved", "danger", "quiet", "small", "warn", "settings", "kv", "title", "url", "when", "num" }) {
-        SCOPED_TRACE(name);
-        std::string selector = std::string(".") + name;
-        bool found = false;
-        for (size_t at = resource->find(selector); at != std::string_view::npos;
-             at = resource->find(selector, at + 1)) {
-            char next = at + selector.size() < resource->size() ? (*resource)[at + selector.size()] : ' ';
-            found = found || !(std::isalnum(static_cast<unsigned char>(next)) || next == '-' || next == '_');
-        }
-        EXPECT_TRUE(found);
     }
 }
 

@@ -38,36 +38,29 @@ TEST(Appcast, ReadsItemsAndTakesTheNewestAboveTheRunningVersion)
     }
 }
 
-TEST(UpdateSignature, OnlyThePublishersSignatureOfTheseBytesPasses)
+// A tampered archive, another key's signature and none at all are refused through the updater itself
+// (VelderUpdaterTest); here, a blank signature and the signatures and keys that cannot even be read.
+TEST(UpdateSignature, OnlyAWellFormedSignatureOfTheseBytesPasses)
 {
     TestSigner publisher;
-    TestSigner stranger;
     std::vector<std::uint8_t> bytes { 'v', 'e', 'l', 'd', 'e', 'r' };
-    std::vector<std::uint8_t> tampered = bytes;
-    tampered[0] ^= 1;
     std::string signature = publisher.sign(bytes);
     struct Row {
         const char* name;
-        const std::vector<std::uint8_t>& bytes;
         std::string signature;
         std::string key;
         const char* refusal; // null: accepted
     };
     const Row rows[] = {
-        { "signed", bytes, signature, publisher.publicKey(), nullptr },
-        { "tampered", tampered, signature, publisher.publicKey(),
-            "the update's signature does not match this build's key" },
-        { "another key", bytes, stranger.sign(bytes), publisher.publicKey(),
-            "the update's signature does not match this build's key" },
-        { "unsigned", bytes, " ", publisher.publicKey(), "the update is not signed" },
-        { "not base64", bytes, signature.substr(1) + "!", publisher.publicKey(),
-            "the update's signature is malformed" },
-        { "short", bytes, "c2ln", publisher.publicKey(), "the update's signature is malformed" },
-        { "bad key", bytes, signature, "a2V5", "this build's public key is malformed" },
+        { "signed", signature, publisher.publicKey(), nullptr },
+        { "blank", " ", publisher.publicKey(), "the update is not signed" },
+        { "not base64", signature.substr(1) + "!", publisher.publicKey(), "the update's signature is malformed" },
+        { "short", "c2ln", publisher.publicKey(), "the update's signature is malformed" },
+        { "bad key", signature, "a2V5", "this build's public key is malformed" },
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        auto refusal = UpdateSignature::refusal(row.bytes, row.signature, row.key);
+        auto refusal = UpdateSignature::refusal(bytes, row.signature, row.key);
         EXPECT_EQ(refusal, row.refusal ? std::optional<std::string>(row.refusal) : std::nullopt);
     }
 }

@@ -1,6 +1,5 @@
 #include "FakeLocationService.h"
 
-#include "glib/GCharPtr.h"
 #include "support/MainLoop.h"
 
 #include <gtest/gtest.h>
@@ -12,26 +11,10 @@ namespace {
 
 constexpr const char* managerPath = "/org/freedesktop/GeoClue2/Manager";
 
-std::string privateBusAddress()
+const std::string& privateBusAddress()
 {
-    static std::unique_ptr<ChildProcess> bus;
-    static std::string address;
-    if (bus) {
-        return address;
-    }
-    GCharPtr daemon(g_find_program_in_path("dbus-daemon"));
-    bus = std::make_unique<ChildProcess>(
-        std::vector<std::string> { toString(daemon), "--session", "--nofork", "--print-address=2" });
-    if (!bus->waitForLine("unix:", std::chrono::seconds(10))) {
-        ADD_FAILURE() << "no private bus: " << bus->errorText();
-        return {};
-    }
-    for (const auto& line : bus->errorLines()) {
-        if (line.rfind("unix:", 0) == 0) {
-            address = line;
-        }
-    }
-    return address;
+    static PrivateBus bus;
+    return bus.address();
 }
 
 } // namespace
@@ -41,8 +24,9 @@ FakeLocationService::FakeLocationService(double latitude, double longitude)
     , m_longitude(longitude)
 {
     // One bus for the process: GDBus keeps its first system bus connection for good.
-    std::string address = privateBusAddress();
+    const std::string& address = privateBusAddress();
     if (address.empty()) {
+        ADD_FAILURE() << "no private bus";
         return;
     }
     g_setenv("DBUS_SYSTEM_BUS_ADDRESS", address.c_str(), TRUE);

@@ -19,17 +19,9 @@ class MenuBarTest : public ShellTest { };
 
 } // namespace
 
-TEST_F(MenuBarTest, TheMenusInTheirOrderWithOneKeyEach)
+TEST_F(MenuBarTest, EachItemShowsItsPrimaryKey)
 {
     GMenuModel* bar = MenuBar::mainMenu();
-    std::vector<std::string> titles;
-    for (const auto& item : itemsOf(bar)) {
-        titles.push_back(item.label);
-    }
-    // Each title underlines the letter that Alt opens it by.
-    EXPECT_EQ(
-        titles, (std::vector<std::string> { "_Velder", "_File", "_Edit", "V_iew", "Hi_story", "_Window", "_Help" }));
-
     struct Row {
         int menu;
         std::string label, action, accel;

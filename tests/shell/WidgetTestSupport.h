@@ -55,8 +55,6 @@ bool near(const Pixel& pixel, Color color, int tolerance = 2);
 // A colour from 8-bit components, for expectations worked out by hand.
 Color rgb(int red, int green, int blue);
 
-// Each test of the chrome runs in a profile of its own, with a vault of its own holding its colours, and a
-// window that hosts the widget under test.
 // An item of a menu model, as a menu shows it.
 struct MenuItem {
     std::string label;
@@ -70,6 +68,8 @@ std::vector<MenuItem> itemsOf(GMenuModel* model, bool intoSubmenus = false);
 // The boolean state of a stateful action (a checked menu item).
 bool actionState(GActionGroup* actions, const char* name);
 
+// Each test of the chrome runs in a profile of its own, with a vault of its own holding its colours, and a
+// window that hosts the widget under test.
 class WidgetTest : public ::testing::Test {
 protected:
     void SetUp() override;

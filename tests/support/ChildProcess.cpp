@@ -132,6 +132,17 @@ std::optional<int> ChildProcess::wait(std::chrono::milliseconds timeout)
     return m_status;
 }
 
+PrivateBus::PrivateBus()
+    : m_daemon({ "/usr/bin/dbus-daemon", "--session", "--nofork", "--print-address=2" })
+{
+    m_daemon.waitForLine("unix:", std::chrono::seconds(10));
+    for (const auto& line : m_daemon.errorLines()) {
+        if (line.starts_with("unix:")) {
+            m_address = line;
+        }
+    }
+}
+
 std::string ChildProcess::errorText() const
 {
     std::string text;

@@ -37,4 +37,15 @@ private:
     std::optional<int> m_status;
 };
 
+// A D-Bus message bus of the test's own, for as long as the object lives.
+class PrivateBus {
+public:
+    PrivateBus();
+    const std::string& address() const { return m_address; }
+
+private:
+    ChildProcess m_daemon;
+    std::string m_address;
+};
+
 } // namespace velder::test
