@@ -2,7 +2,6 @@
 
 #include "bridge/VLDBrowserView.h"
 #include "bridge/VLDKeyCodes.h"
-#include "bridge/VLDPermissionRequest.h"
 #include "core/ActionTable.h"
 #include "core/LocationSettings.h"
 #include "core/Log.h"
@@ -11,16 +10,13 @@
 #include "core/Vault.h"
 #include "glib/MainLoop.h"
 #include "shell/chrome/AddressBar.h"
-#include "shell/chrome/ChromeButton.h"
 #include "shell/chrome/KeyEvents.h"
 #include "shell/chrome/LocationPin.h"
 #include "shell/chrome/TabStrip.h"
-#include "shell/chrome/TitleBar.h"
 #include "shell/chrome/Toolbar.h"
 #include "shell/overlays/BlankSlate.h"
 #include "shell/overlays/FindBar.h"
 #include "shell/overlays/LinkStatus.h"
-#include "shell/overlays/LocationPrompt.h"
 #include "shell/overlays/UrlSuggestions.h"
 #include "shell/tab/BrowserTab.h"
 #include "shell/window/AddressEditing.h"
@@ -106,7 +102,6 @@ void MainWindow::buildChrome()
 
     std::weak_ptr<MainWindow> weak = weak_from_this();
     m_chrome->connect(weak);
-    wireLocationPin();
     m_leaveQuestions = std::make_unique<LeaveQuestions>(m_window.get(), [weak](BrowserTab& tab) {
         auto self = weak.lock();
         auto index = self ? self->m_tabs.indexOf(tab.shared_from_this()) : std::nullopt;
@@ -556,26 +551,6 @@ bool MainWindow::findBarIsShowing() const
     return findBar().isShowing();
 }
 
-void MainWindow::wireLocationPin()
-{
-    std::weak_ptr<MainWindow> weak = weak_from_this();
-    auto resolve = [weak](LocationChoice choice) {
-        auto self = weak.lock();
-        if (auto tab = self ? self->activeTab() : nullptr) {
-            tab->resolveLocation(choice);
-        }
-    };
-    LocationPin& pin = addressBar().pin();
-    pin.currentOrigin = [weak]() -> std::optional<std::string> {
-        auto self = weak.lock();
-        auto tab = self ? self->activeTab() : nullptr;
-        return tab ? UrlHelper::origin(tab->url) : std::nullopt;
-    };
-    pin.onChoice = resolve;
-    pin.onToggleGlobalSwitch = setLocationServices;
-    m_chrome->locationBar().onChoice = resolve;
-}
-
 void MainWindow::setLocationServices(bool enabled)
 {
     if (!enabled) {
@@ -590,16 +565,7 @@ void MainWindow::setLocationServices(bool enabled)
 
 void MainWindow::syncLocationBar()
 {
-    LocationPrompt& strip = m_chrome->locationBar();
-    auto tab = activeTab();
-    if (tab && tab->pendingLocationRequest && Vault::shared().snapshot()->settings.locationEnabled) {
-        const std::string& requestOrigin = tab->pendingLocationRequest->origin();
-        strip.show(UrlHelper::origin(requestOrigin).value_or(requestOrigin));
-    } else {
-        strip.hide();
-    }
-    // The find bar keeps clear of the strip's buttons.
-    gtk_widget_set_margin_top(findBar().widget(), 12 + (strip.isShowing() ? LocationPrompt::height : 0));
+    m_chrome->syncLocationBar(activeTab().get(), Vault::shared().snapshot()->settings.locationEnabled);
 }
 
 // MARK: - Keys

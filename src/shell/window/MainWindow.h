@@ -119,7 +119,6 @@ public:
 private:
     MainWindow(Rect frame, bool isPrivate, bool hasOwnPlacement);
     void buildChrome();
-    void wireLocationPin();
     void dispose(const std::shared_ptr<BrowserTab>& tab);
     void rememberClosed(const BrowserTab& tab);
     bool revealExistingSettingsTab();

@@ -1,11 +1,14 @@
 #include "shell/window/WindowChrome.h"
 
+#include "bridge/VLDPermissionRequest.h"
 #include "core/Format.h"
 #include "core/PageShell.h"
 #include "core/Palette.h"
 #include "core/Theme.h"
+#include "core/UrlHelper.h"
 #include "shell/chrome/AddressBar.h"
 #include "shell/chrome/ChromeButton.h"
+#include "shell/chrome/LocationPin.h"
 #include "shell/chrome/MenuAnchor.h"
 #include "shell/chrome/TabStrip.h"
 #include "shell/chrome/TitleBar.h"
@@ -170,6 +173,33 @@ void WindowChrome::connect(const std::weak_ptr<MainWindow>& weak)
     m_findBar->onNext = withSelf([](MainWindow& self) { self.perform(Kind::findNext); });
     m_findBar->onPrev = withSelf([](MainWindow& self) { self.perform(Kind::findPrev); });
     m_findBar->onClose = withSelf([](MainWindow& self) { self.closeFindBar(); });
+
+    auto resolve = withSelf([](MainWindow& self, LocationChoice choice) {
+        if (auto tab = self.activeTab()) {
+            tab->resolveLocation(choice);
+        }
+    });
+    LocationPin& pin = addressBar().pin();
+    pin.currentOrigin = [weak]() -> std::optional<std::string> {
+        auto self = weak.lock();
+        auto tab = self ? self->activeTab() : nullptr;
+        return tab ? UrlHelper::origin(tab->url) : std::nullopt;
+    };
+    pin.onChoice = resolve;
+    pin.onToggleGlobalSwitch = MainWindow::setLocationServices;
+    m_locationBar->onChoice = resolve;
+}
+
+void WindowChrome::syncLocationBar(const BrowserTab* activeTab, bool locationEnabled)
+{
+    if (activeTab && activeTab->pendingLocationRequest && locationEnabled) {
+        const std::string& requestOrigin = activeTab->pendingLocationRequest->origin();
+        m_locationBar->show(UrlHelper::origin(requestOrigin).value_or(requestOrigin));
+    } else {
+        m_locationBar->hide();
+    }
+    // The find bar keeps clear of the strip's buttons.
+    gtk_widget_set_margin_top(m_findBar->widget(), 12 + (m_locationBar->isShowing() ? LocationPrompt::height : 0));
 }
 
 std::string WindowChrome::geometry() const

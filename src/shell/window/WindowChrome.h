@@ -8,6 +8,7 @@ namespace velder {
 
 class AddressBar;
 class BlankSlate;
+class BrowserTab;
 class FindBar;
 class LinkStatus;
 class LocationPrompt;
@@ -42,8 +43,11 @@ public:
     GtkWidget* container() const { return m_container; }
     GtkWidget* pageMenuAnchor() const { return m_pageMenuAnchor; }
 
-    // Hands the strip's, toolbar's, find bar's and wordmark's events to the window.
+    // Hands the strip's, toolbar's, find bar's, wordmark's and location pin's and prompt's events to the window.
     void connect(const std::weak_ptr<MainWindow>& window);
+    // The location prompt shows the active tab's parked request while location services are on; the find bar
+    // moves down below it.
+    void syncLocationBar(const BrowserTab* activeTab, bool locationEnabled);
     // Where the parts stand in the window, for the log.
     std::string geometry() const;
 
