@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 
 namespace velder {
 
@@ -102,12 +103,37 @@ void JsonOutput::string(std::string_view text)
     writeString(text);
 }
 
+namespace {
+
+// Whether any of eight bytes is a control character, a quote or a backslash. Each test is exact for the
+// lowest byte that meets it, so the answer is too.
+bool anyNeedsEscape(std::string_view eight)
+{
+    constexpr std::uint64_t ones = 0x0101010101010101;
+    constexpr std::uint64_t highs = ones * 0x80;
+    std::uint64_t word;
+    std::memcpy(&word, eight.data(), sizeof word);
+    auto hasZeroByte = [](std::uint64_t x) { return (x - ones) & ~x & highs; };
+    return (((word - ones * 0x20) & ~word & highs) | hasZeroByte(word ^ (ones * '"'))
+               | hasZeroByte(word ^ (ones * '\\')))
+        != 0;
+}
+
+} // namespace
+
 void JsonOutput::writeString(std::string_view text)
 {
     static const char hex[] = "0123456789abcdef";
     m_text.push_back('"');
     std::size_t runStart = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
+        // Eight bytes at a time while none needs escaping: stored text is mostly plain.
+        while (i + 8 <= text.size() && !anyNeedsEscape(text.substr(i, 8))) {
+            i += 8;
+        }
+        if (i == text.size()) {
+            break;
+        }
         auto c = static_cast<unsigned char>(text[i]);
         if (c >= 0x20 && c != '"' && c != '\\') {
             continue;

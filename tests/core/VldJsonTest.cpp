@@ -4,7 +4,9 @@
 
 #include "CoreTestSupport.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <rapidjson/document.h>
 
 using namespace velder;
 using namespace velder::test;
@@ -130,6 +132,29 @@ TEST(VldJson, ADoubleReadsBackAsTheOneWritten)
     EXPECT_EQ(tiny.currentZoomLevel, 30000000001428543432e-0337);
     zoomed.currentZoomLevel = -0.0; // read back as 0, so written as 0: the text written after a read is the same
     EXPECT_EQ(VldJson::encode(zoomed), VldJson::encode(VaultData()));
+}
+
+// Text is scanned eight bytes at a time: a character to escape is found wherever it falls in a block, and
+// read back by another parser as it was.
+TEST(VldJson, StringsReadBackAsWrittenWhereverTheEscapesFall)
+{
+    const std::string plain = "abcdefghijklmnopq"; // 17 bytes: two blocks and one over
+    std::vector<std::string> texts { "", "\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80 \x7F\xA0 plain" };
+    for (char special : { '"', '\\', '\n', '\x01', '\x1F' }) {
+        for (std::size_t at : { 0, 7, 8, 15, 16 }) {
+            texts.push_back(plain.substr(0, at) + special + plain.substr(at));
+        }
+    }
+    for (const std::string& text : texts) {
+        SCOPED_TRACE(text);
+        JsonOutput output;
+        output.string(text);
+        EXPECT_TRUE(std::ranges::none_of(output.text(), [](unsigned char c) { return c < 0x20; }));
+        rapidjson::Document parsed;
+        parsed.Parse(output.text().c_str());
+        ASSERT_TRUE(parsed.IsString());
+        EXPECT_EQ(std::string(parsed.GetString(), parsed.GetStringLength()), text);
+    }
 }
 
 // Beside the failing files of the shared stored data (StoredInteropTest), the other ways a file fails.
