@@ -158,6 +158,14 @@ TEST_F(BrowserTabTest, AFailedLoadShowsTheErrorPageWhileTheTabKeepsTheAddress)
     ASSERT_EQ(view->loaded.size(), 2u);
     EXPECT_NE(decodedErrorPage(view->loaded[1]).find("The page crashed (status 2)."), std::string::npos);
     EXPECT_TRUE(log.contains("Velder: render process terminated (status 2)"));
+
+    // A reload tries the failed address again, not the error page; a page that loads ends the error.
+    tab->reload(false);
+    ASSERT_EQ(view->loaded.size(), 3u);
+    EXPECT_EQ(view->loaded[2], "https://no.such.example/<x>");
+    view->reportAddress("https://no.such.example/<x>");
+    tab->reload(true);
+    EXPECT_EQ(view->commands, std::vector<std::string> { "reloadIgnoringCache" });
 }
 
 // The key table's matching has its own test: here, that its answer reaches the window, or nothing does.

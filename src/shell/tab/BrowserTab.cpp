@@ -320,6 +320,17 @@ void BrowserTab::showError(const std::string& failedURL, const std::string& reas
     changed();
 }
 
+void BrowserTab::reload(bool ignoringCache)
+{
+    if (errorURL) {
+        m_view->loadURL(*errorURL);
+    } else if (ignoringCache) {
+        m_view->reloadIgnoringCache();
+    } else {
+        m_view->reload();
+    }
+}
+
 std::string BrowserTab::displayTitle() const
 {
     if (!title.empty()) {

@@ -67,6 +67,8 @@ public:
     void find(const std::string& text, bool forward, bool findNext);
     // Shows the error page as a data: document while the tab keeps the failed address.
     void showError(const std::string& failedURL, const std::string& reason);
+    // Loads the page again; on an error page, the failed address is tried again (not the error page).
+    void reload(bool ignoringCache);
 
     bool handleLocationRequest(std::shared_ptr<VLDPermissionRequest> request);
     void resolveLocation(LocationChoice choice);

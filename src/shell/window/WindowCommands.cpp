@@ -286,9 +286,8 @@ bool WindowCommands::performOnPage(BrowserAction action)
     VLDBrowserView* view = tab ? tab->view().get() : nullptr;
     switch (action.kind) {
     case Kind::reload:
-        return view && (view->reload(), true);
     case Kind::hardReload:
-        return view && (view->reloadIgnoringCache(), true);
+        return view && (tab->reload(action.kind == Kind::hardReload), true);
     case Kind::stop:
         return view && (view->stopLoading(), true);
     case Kind::back:
