@@ -78,6 +78,7 @@ void applicationDidFinishLaunching(GtkApplication*)
     Launcher::wireServices();
     wireUpdater();
     state.delegate->applicationDidFinishLaunching(state.request);
+    VLDBrowserView::releaseUnclaimedWebProcess();
 }
 
 void onActivate(GtkApplication* application, gpointer)
@@ -215,6 +216,10 @@ int Launcher::run(GtkApplication* application, const LaunchRequest& request)
             delegate->reopenWindow(true);
         }
     }));
+    if (!request.privateWindow) {
+        // The first page's process starts while the window is built.
+        VLDBrowserView::startWebProcessEarly();
+    }
     char* noArguments[] = { nullptr };
     int status = g_application_run(G_APPLICATION(application), 0, noArguments);
     drainAfterQuit();

@@ -31,6 +31,11 @@ public:
     static std::shared_ptr<VLDBrowserView> popupHostView();
     // The live view with this identifier, or null.
     static std::shared_ptr<VLDBrowserView> viewForIdentifier(std::uint64_t identifier);
+    // Starts a web process of the persistent session now, before any window: the first page created in that
+    // session runs in it, so the process starts while the window is being built.
+    static void startWebProcessEarly();
+    // Lets the early process go if no page took it (the first window was private).
+    static void releaseUnclaimedWebProcess();
 
     virtual ~VLDBrowserView() = default;
 

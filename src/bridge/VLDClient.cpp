@@ -98,6 +98,7 @@ void onLoadChanged(WebKitWebView* webView, WebKitLoadEvent event, gpointer data)
     case WEBKIT_LOAD_COMMITTED: {
         std::string uri = uriOf(webView);
         view->notePageIdentifier(webkit_web_view_get_page_id(webView));
+        view->releaseEarlyProcessOnce();
         view->setCommittedURL(uri);
         view->selectionText.clear();
         // The engine never withdraws a permission request: a new document stands for it.

@@ -1,5 +1,8 @@
 #include "BridgeTest.h"
 
+#include "bridge/VLDBrowserViewImpl.h"
+#include "bridge/VLDRequestContext.h"
+
 namespace velder::test {
 
 class SharedProcessTest : public BridgeTest { };
@@ -35,6 +38,29 @@ TEST_F(SharedProcessTest, PagesOfOneSiteShareAProcessOfAtMostFour)
     // A reload brings an ended page back.
     ASSERT_TRUE(loadAndWait(*views[1], *delegates[1], m_server->url("/page?1")));
     EXPECT_TRUE(waitForScriptValue(*views[1], "document.title", "Page"));
+}
+
+// The process started before the first window serves the first page of the persistent session, and its
+// placeholder page goes once that page has committed; a private page never takes it, and an untaken one goes
+// when the first windows are open.
+TEST_F(SharedProcessTest, TheEarlyProcessServesTheFirstPageAndItsPlaceholderGoes)
+{
+    m_server->route("/page", TestResponse::html(page("Page")));
+    auto& early = VLDBrowserViewImpl::earlyProcess();
+    VLDBrowserView::startWebProcessEarly();
+    ASSERT_TRUE(early.view);
+    GtkWidget* placeholder = early.view.get();
+
+    auto privateView = openLoaded(m_server->url("/page?private"), delegate, VLDRequestContext::inMemoryContext());
+    EXPECT_EQ(early.view.get(), placeholder) << "a private page is in a session of its own";
+
+    auto view = openLoaded(m_server->url("/page"), std::make_shared<RecordingDelegate>());
+    EXPECT_TRUE(waitForScriptValue(*view, "document.title", "Page"));
+    EXPECT_FALSE(early.view) << "the placeholder page is gone once the first page committed";
+
+    VLDBrowserView::startWebProcessEarly();
+    VLDBrowserView::releaseUnclaimedWebProcess();
+    EXPECT_FALSE(early.view);
 }
 
 } // namespace velder::test
