@@ -434,7 +434,9 @@ void mergeOverDefaults(
 
 rapidjson::Document parse(std::vector<char>& stored)
 {
-    stored.push_back('\0');
+    // A terminator, then room for RapidJSON's 16-byte scans: they read whole aligned blocks, up to the one that
+    // holds the terminator.
+    stored.resize(stored.size() + 16, '\0');
     rapidjson::Reader reader;
     rapidjson::StringStream stream(stored.data());
     // Without recursion: a text nested deeper than the stack is an unreadable file, not a crash at every start.
