@@ -6,10 +6,10 @@
 #include "bridge/VLDIconFetch.h"
 #include "bridge/VLDKeyCodes.h"
 #include "bridge/VLDMainThread.h"
+#include "bridge/VLDPageProcess.h"
 #include "bridge/VLDPageScripts.h"
 #include "bridge/VLDPermissionBridge.h"
 #include "bridge/VLDRequestContextImpl.h"
-#include "core/ProcessSharing.h"
 
 #include <algorithm>
 #include <cmath>
@@ -51,20 +51,6 @@ void onHostRooted(std::uint64_t identifier)
 void onDataCleared(GObject* manager, GAsyncResult* result, gpointer)
 {
     webkit_website_data_manager_clear_finish(WEBKIT_WEBSITE_DATA_MANAGER(manager), result, nullptr);
-}
-
-// The settings every page is created with.
-WebKitSettings* newPageSettings()
-{
-    WebKitSettings* settings = webkit_settings_new();
-    webkit_settings_set_enable_developer_extras(settings, TRUE);
-    // Popups only from a user's gesture.
-    webkit_settings_set_javascript_can_open_windows_automatically(settings, FALSE);
-    if (VLDEngineRuntime::softwareRendering()) {
-        // Composited in software, each page would carry a rasterizer of its own: drawn on the CPU instead.
-        webkit_settings_set_hardware_acceleration_policy(settings, WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
-    }
-    return settings;
 }
 
 } // namespace
@@ -121,7 +107,7 @@ VLDBrowserViewImpl::VLDBrowserViewImpl(
 VLDBrowserViewImpl::~VLDBrowserViewImpl()
 {
     cancelCloseTimeout();
-    releaseEarlyProcessOnce();
+    VLDPageProcess::pageWentOrCommitted(m_identifier);
     if (m_webView) {
         // Let go without a close: the page goes with its last reference, and what it asked is denied.
         VLDClient::disconnectBrowser(m_webView.get());
@@ -151,91 +137,9 @@ void VLDBrowserViewImpl::createBrowser()
         // The engine isn't running: there is nothing to create a browser in.
         return;
     }
-    WebKitSettings* settings = newPageSettings();
-    GObject* contentManager = VLDPageScripts::newContentManager();
-    GtkWidget* related = nullptr;
-    if (auto peer = processPeer()) {
-        related = peer->webView();
-        m_processGroup = peer->processGroup();
-    } else if (earlyProcess().view && !earlyProcess().claimed && m_context == VLDRequestContext::globalContext()) {
-        related = earlyProcess().view.get();
-        earlyProcess().claimed = true;
-        m_holdsEarlyProcess = true;
-    }
-    GtkWidget* webView = nullptr;
-    if (related) {
-        // A related view is in its peer's session and web process.
-        webView = GTK_WIDGET(g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", related, "user-content-manager",
-            contentManager, "settings", settings, nullptr));
-    } else {
-        webView = GTK_WIDGET(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", m_context->networkSession(),
-            "web-context", webkit_web_context_get_default(), "user-content-manager", contentManager, "settings",
-            settings, nullptr));
-    }
-    g_object_unref(contentManager);
-    g_object_unref(settings);
-    attachBrowser(webView);
-}
-
-VLDBrowserViewImpl::EarlyProcess& VLDBrowserViewImpl::earlyProcess()
-{
-    static EarlyProcess process;
-    return process;
-}
-
-void VLDBrowserView::startWebProcessEarly()
-{
-    auto context = std::dynamic_pointer_cast<VLDRequestContextImpl>(VLDRequestContext::globalContext());
-    auto& early = VLDBrowserViewImpl::earlyProcess();
-    if (!context || early.view) {
-        return;
-    }
-    WebKitSettings* settings = newPageSettings();
-    GtkWidget* view = GTK_WIDGET(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", context->networkSession(),
-        "web-context", webkit_web_context_get_default(), "settings", settings, nullptr));
-    g_object_unref(settings);
-    early.view = GObjectPtr<GtkWidget>::adopt(GTK_WIDGET(g_object_ref_sink(view)));
-    early.claimed = false;
-    // The engine starts a page's process at its first load; an empty document is the cheapest one, and WebKit
-    // keeps a process that has shown nothing else for the next page of any site.
-    webkit_web_view_load_uri(WEBKIT_WEB_VIEW(view), "about:blank");
-}
-
-void VLDBrowserView::releaseUnclaimedWebProcess()
-{
-    if (!VLDBrowserViewImpl::earlyProcess().claimed) {
-        VLDBrowserViewImpl::earlyProcess().view.reset();
-    }
-}
-
-void VLDBrowserViewImpl::releaseEarlyProcessOnce()
-{
-    if (m_holdsEarlyProcess) {
-        m_holdsEarlyProcess = false;
-        earlyProcess() = {};
-    }
-}
-
-std::shared_ptr<VLDBrowserViewImpl> VLDBrowserViewImpl::processPeer() const
-{
-    std::vector<std::shared_ptr<VLDBrowserViewImpl>> peers;
-    std::vector<ProcessSharing::Page> pages;
-    for (auto& view : VLDClient::liveViews()) {
-        if (view.get() == this || !view->m_webView || view->m_closeRequested || view->m_context != m_context) {
-            continue;
-        }
-        // The engine's address is the one being loaded until a document commits, then the document's.
-        const char* shown = webkit_web_view_get_uri(asWebView(view->m_webView.get()));
-        pages.push_back({ view->m_identifier, shown ? shown : "", view->m_processGroup });
-        peers.push_back(std::move(view));
-    }
-    auto related = ProcessSharing::relatedPageFor(m_pendingURL, pages);
-    for (auto& peer : peers) {
-        if (related && peer->m_identifier == *related) {
-            return peer;
-        }
-    }
-    return nullptr;
+    VLDPageProcess::Placement placement = VLDPageProcess::place(*this, m_pendingURL);
+    m_processGroup = placement.processGroup;
+    attachBrowser(placement.webView);
 }
 
 void VLDBrowserViewImpl::attachPopupBrowser(GtkWidget* webView, const std::shared_ptr<VLDBrowserViewImpl>& opener)

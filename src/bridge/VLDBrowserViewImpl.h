@@ -63,19 +63,9 @@ public:
     // its browser, in the opener's session and process.
     void attachPopupBrowser(GtkWidget* webView, const std::shared_ptr<VLDBrowserViewImpl>& opener);
 
-    // The first page's document committed: the early web process's placeholder page, which this view's page
-    // was created beside, is no longer needed to keep the process.
-    void releaseEarlyProcessOnce();
-
-    // A placeholder page that starts a web process while the first window is built.
-    struct EarlyProcess {
-        GObjectPtr<GtkWidget> view;
-        bool claimed = false; // a page was created in its process
-    };
-    static EarlyProcess& earlyProcess();
-
     // The view in whose web process this one's page was created (itself when it was created alone).
     std::uint64_t processGroup() const { return m_processGroup; }
+    bool isClosing() const { return m_closeRequested; }
     // A main-frame commit's page identifier. WebKit gives a page a new one when it moves it to another web
     // process, as it does on a navigation to another site: the view no longer shares its group's process.
     void notePageIdentifier(std::uint64_t pageIdentifier);
@@ -118,8 +108,6 @@ public:
 
 private:
     void createBrowser();
-    // A live view of the same session whose web process this view's page should join, or null.
-    std::shared_ptr<VLDBrowserViewImpl> processPeer() const;
     void attachBrowser(GtkWidget* webView);
     void tearDown();
     void navigate(const std::string& expectedURL, const std::function<void()>& command);
@@ -130,7 +118,6 @@ private:
     std::uint64_t m_identifier;
     std::uint64_t m_processGroup;
     std::uint64_t m_pageIdentifier = 0;
-    bool m_holdsEarlyProcess = false;
     GObjectPtr<GtkWidget> m_host;
     GObjectPtr<GtkWidget> m_webView;
     std::shared_ptr<VLDRequestContextImpl> m_context;

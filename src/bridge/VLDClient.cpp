@@ -4,6 +4,7 @@
 #include "bridge/VLDInternalAddress.h"
 #include "bridge/VLDMainThread.h"
 #include "bridge/VLDNetworkErrors.h"
+#include "bridge/VLDPageProcess.h"
 #include "bridge/VLDPageScripts.h"
 #include "bridge/VLDPermissionBridge.h"
 #include "bridge/VLDRequestContextImpl.h"
@@ -98,7 +99,7 @@ void onLoadChanged(WebKitWebView* webView, WebKitLoadEvent event, gpointer data)
     case WEBKIT_LOAD_COMMITTED: {
         std::string uri = uriOf(webView);
         view->notePageIdentifier(webkit_web_view_get_page_id(webView));
-        view->releaseEarlyProcessOnce();
+        VLDPageProcess::pageWentOrCommitted(view->identifier());
         view->setCommittedURL(uri);
         view->selectionText.clear();
         // The engine never withdraws a permission request: a new document stands for it.

@@ -1,6 +1,6 @@
 #include "BridgeTest.h"
 
-#include "bridge/VLDBrowserViewImpl.h"
+#include "bridge/VLDPageProcess.h"
 #include "bridge/VLDRequestContext.h"
 
 namespace velder::test {
@@ -46,21 +46,20 @@ TEST_F(SharedProcessTest, PagesOfOneSiteShareAProcessOfAtMostFour)
 TEST_F(SharedProcessTest, TheEarlyProcessServesTheFirstPageAndItsPlaceholderGoes)
 {
     m_server->route("/page", TestResponse::html(page("Page")));
-    auto& early = VLDBrowserViewImpl::earlyProcess();
     VLDBrowserView::startWebProcessEarly();
-    ASSERT_TRUE(early.view);
-    GtkWidget* placeholder = early.view.get();
+    GtkWidget* placeholder = VLDPageProcess::earlyView();
+    ASSERT_TRUE(placeholder);
 
     auto privateView = openLoaded(m_server->url("/page?private"), delegate, VLDRequestContext::inMemoryContext());
-    EXPECT_EQ(early.view.get(), placeholder) << "a private page is in a session of its own";
+    EXPECT_EQ(VLDPageProcess::earlyView(), placeholder) << "a private page is in a session of its own";
 
     auto view = openLoaded(m_server->url("/page"), std::make_shared<RecordingDelegate>());
     EXPECT_TRUE(waitForScriptValue(*view, "document.title", "Page"));
-    EXPECT_FALSE(early.view) << "the placeholder page is gone once the first page committed";
+    EXPECT_FALSE(VLDPageProcess::earlyView()) << "the placeholder page is gone once the first page committed";
 
     VLDBrowserView::startWebProcessEarly();
     VLDBrowserView::releaseUnclaimedWebProcess();
-    EXPECT_FALSE(early.view);
+    EXPECT_FALSE(VLDPageProcess::earlyView());
 }
 
 } // namespace velder::test
