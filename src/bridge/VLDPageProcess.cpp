@@ -9,6 +9,7 @@
 #include "core/ProcessSharing.h"
 #include "glib/GObjectPtr.h"
 
+#include <algorithm>
 #include <webkit/webkit.h>
 
 namespace velder {
@@ -26,7 +27,9 @@ EarlyProcess& early()
     return process;
 }
 
-WebKitSettings* newPageSettings()
+// A new engine view with the settings every page has: related to `related` (in its session and process),
+// else in `session` with a process of its own. Without a content manager the view makes its own.
+GtkWidget* newEngineView(GtkWidget* related, const VLDRequestContextImpl& session, GObject* contentManager)
 {
     WebKitSettings* settings = webkit_settings_new();
     webkit_settings_set_enable_developer_extras(settings, TRUE);
@@ -36,7 +39,13 @@ WebKitSettings* newPageSettings()
         // Composited in software, each page would carry a rasterizer of its own: drawn on the CPU instead.
         webkit_settings_set_hardware_acceleration_policy(settings, WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
     }
-    return settings;
+    GtkWidget* view = related
+        ? GTK_WIDGET(g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", related, "user-content-manager", contentManager,
+            "settings", settings, nullptr))
+        : GTK_WIDGET(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session.networkSession(), "web-context",
+            webkit_web_context_get_default(), "user-content-manager", contentManager, "settings", settings, nullptr));
+    g_object_unref(settings);
+    return view;
 }
 
 // A live view of the same session whose process a page for `url` should join, or null.
@@ -55,12 +64,8 @@ std::shared_ptr<VLDBrowserViewImpl> processPeer(const VLDBrowserViewImpl& view, 
         peers.push_back(std::move(other));
     }
     auto related = ProcessSharing::relatedPageFor(url, pages);
-    for (auto& peer : peers) {
-        if (related && peer->identifier() == *related) {
-            return peer;
-        }
-    }
-    return nullptr;
+    auto found = std::ranges::find_if(peers, [&](auto& peer) { return related == peer->identifier(); });
+    return found == peers.end() ? nullptr : *found;
 }
 
 } // namespace
@@ -76,19 +81,9 @@ VLDPageProcess::Placement VLDPageProcess::place(const VLDBrowserViewImpl& view, 
         related = early().view.get();
         early().taker = view.identifier();
     }
-    WebKitSettings* settings = newPageSettings();
     GObject* contentManager = VLDPageScripts::newContentManager();
-    if (related) {
-        // A related view is in its peer's session and web process.
-        placement.webView = GTK_WIDGET(g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", related,
-            "user-content-manager", contentManager, "settings", settings, nullptr));
-    } else {
-        placement.webView = GTK_WIDGET(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session",
-            view.requestContext()->networkSession(), "web-context", webkit_web_context_get_default(),
-            "user-content-manager", contentManager, "settings", settings, nullptr));
-    }
+    placement.webView = newEngineView(related, *view.requestContext(), contentManager);
     g_object_unref(contentManager);
-    g_object_unref(settings);
     return placement;
 }
 
@@ -98,10 +93,7 @@ void VLDPageProcess::startEarly()
     if (!context || early().view) {
         return;
     }
-    WebKitSettings* settings = newPageSettings();
-    GtkWidget* view = GTK_WIDGET(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", context->networkSession(),
-        "web-context", webkit_web_context_get_default(), "settings", settings, nullptr));
-    g_object_unref(settings);
+    GtkWidget* view = newEngineView(nullptr, *context, nullptr);
     early().view = GObjectPtr<GtkWidget>::adopt(GTK_WIDGET(g_object_ref_sink(view)));
     early().taker = 0;
     // The engine starts a page's process at its first load; an empty document is the cheapest one, and WebKit
@@ -118,7 +110,7 @@ void VLDPageProcess::releaseUnclaimed()
 
 void VLDPageProcess::pageWentOrCommitted(std::uint64_t identifier)
 {
-    if (early().taker && early().taker == identifier) {
+    if (early().taker == identifier) {
         early() = {};
     }
 }
